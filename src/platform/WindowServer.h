@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "foundation/Geometry.h"
+#include "platform/Workspace.h"
+
+namespace orlet {
+
+// Identifies a top-level window on the window server (the X client window). 0 is no window.
+using WindowNumber = std::uint32_t;
+
+struct WindowInfo {
+  ProcessId ownerPid = 0;
+  WindowNumber number = 0;
+  Rect bounds;  // global coordinates, decorations included
+  friend bool operator==(const WindowInfo&, const WindowInfo&) = default;
+};
+
+// Mouse buttons as pressedMouseButtons() reports them.
+namespace mouse_button {
+inline constexpr std::uint32_t left = 1u << 0;
+inline constexpr std::uint32_t right = 1u << 1;
+inline constexpr std::uint32_t middle = 1u << 2;
+}  // namespace mouse_button
+
+class WindowServer {
+ public:
+  virtual ~WindowServer() = default;
+
+  // Windows shown on the current desktop, front to back, desktop and dock elements excluded;
+  // nullopt when the list cannot be had.
+  virtual std::optional<std::vector<WindowInfo>> onScreenWindows() const = 0;
+
+  // The pointer, in global coordinates.
+  virtual Point pointerLocation() const = 0;
+
+  // The buttons held down now, as mouse_button bits.
+  virtual std::uint32_t pressedMouseButtons() const = 0;
+};
+
+}  // namespace orlet
