@@ -1,0 +1,111 @@
+#!/usr/bin/env bash
+# A real X session for tests, benchmarks and demos: Xorg with the dummy video driver and two
+# RandR outputs (1920x1080 primary at 0,0; 2560x1440 at 1920,0), openbox as window manager, and
+# optionally trayer as a system-tray host.
+#
+#   scripts/xsession.sh start :41 [--no-wm] [--tray]   # prints nothing; DISPLAY=:41 is then usable
+#   scripts/xsession.sh stop :41
+set -euo pipefail
+
+cmd=${1:?usage: xsession.sh start|stop :N [--no-wm] [--tray]}
+display=${2:?usage: xsession.sh start|stop :N}
+shift 2
+number=${display#:}
+rundir=${ORLET_XSESSION_DIR:-/tmp/orlet-xsession-$number}
+
+wait_until() {  # wait_until <seconds> <command...>: poll instead of sleeping a fixed time
+  local deadline=$((SECONDS + $1)); shift
+  until "$@" >/dev/null 2>&1; do
+    if ((SECONDS >= deadline)); then return 1; fi
+    sleep 0.1
+  done
+}
+
+stop() {
+  if [[ -d $rundir ]]; then
+    for pidfile in "$rundir"/*.pid; do
+      [[ -e $pidfile ]] || continue
+      kill "$(cat "$pidfile")" 2>/dev/null || true
+    done
+    for pidfile in "$rundir"/*.pid; do
+      [[ -e $pidfile ]] || continue
+      local pid; pid=$(cat "$pidfile")
+      wait_until 5 bash -c "! kill -0 $pid" || kill -9 "$pid" 2>/dev/null || true
+      rm -f "$pidfile"
+    done
+  fi
+  rm -f "/tmp/.X$number-lock" "/tmp/.X11-unix/X$number"
+}
+
+start() {
+  local wm=1 tray=0
+  for arg in "$@"; do
+    case $arg in
+      --no-wm) wm=0 ;;
+      --tray) tray=1 ;;
+      *) echo "xsession.sh: unknown option $arg" >&2; exit 2 ;;
+    esac
+  done
+  stop
+  mkdir -p "$rundir"
+  cat > "$rundir/xorg.conf" <<'CONF'
+Section "ServerFlags"
+  Option "AutoAddDevices" "false"
+  Option "AutoEnableDevices" "false"
+  Option "DontVTSwitch" "true"
+EndSection
+Section "Device"
+  Identifier "dummy"
+  Driver "dummy"
+  VideoRam 256000
+EndSection
+Section "Monitor"
+  Identifier "monitor"
+  HorizSync 5.0 - 1000.0
+  VertRefresh 5.0 - 200.0
+EndSection
+Section "Screen"
+  Identifier "screen"
+  Device "dummy"
+  Monitor "monitor"
+  DefaultDepth 24
+  SubSection "Display"
+    Depth 24
+    Virtual 6400 2160
+  EndSubSection
+EndSection
+CONF
+  Xorg "$display" -config "$rundir/xorg.conf" -noreset -nolisten tcp -logfile "$rundir/xorg.log" \
+    >"$rundir/xorg.out" 2>&1 &
+  echo $! > "$rundir/xorg.pid"
+  if ! wait_until 20 xdpyinfo -display "$display"; then
+    echo "xsession.sh: Xorg did not start on $display; see $rundir/xorg.log" >&2
+    tail -20 "$rundir/xorg.log" >&2 || true
+    exit 1
+  fi
+  export DISPLAY=$display
+  xrandr --newmode 2560x1440_60 312.25 2560 2752 3024 3488 1440 1443 1448 1493 -hsync +vsync
+  xrandr --newmode 3840x2160_60 712.75 3840 4160 4576 5312 2160 2163 2168 2237 -hsync +vsync
+  xrandr --addmode DUMMY1 2560x1440_60
+  xrandr --addmode DUMMY1 3840x2160_60
+  xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
+    --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
+  xsetroot -solid '#3c4048' 2>/dev/null || true
+  if ((wm)); then
+    openbox --sm-disable >"$rundir/openbox.log" 2>&1 &
+    echo $! > "$rundir/openbox.pid"
+    wait_until 10 bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
+  fi
+  if ((tray)); then
+    trayer --edge bottom --align right --widthtype pixel --width 120 --heighttype pixel \
+      --height 24 --transparent false >"$rundir/trayer.log" 2>&1 &
+    echo $! > "$rundir/trayer.pid"
+    wait_until 10 bash -c "xprop -root | grep -q _NET_SYSTEM_TRAY || xwininfo -root -tree | grep -qi trayer"
+  fi
+}
+
+case $cmd in
+  start) start "$@" ;;
+  stop) stop ;;
+  *) echo "usage: xsession.sh start|stop :N [--no-wm] [--tray]" >&2; exit 2 ;;
+esac
