@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs what ORLET needs to build, test and benchmark on Debian 12, skipping what is present.
+#   scripts/install-deps.sh            # build + run + tests
+#   scripts/install-deps.sh --bench    # also the reference capture tools for the benchmark
+set -euo pipefail
+
+packages=(
+  # toolchain
+  g++ cmake make pkg-config clang-format
+  # Qt 6: widgets, tray, settings; SVG for the bundled icons; the X11 platform plugin
+  qt6-base-dev qt6-svg-dev qt6-qpa-plugins
+  # XCB and its extensions: window list and stacking (EWMH/ICCCM), capture (RandR, SHM, DAMAGE),
+  # cursor (XFIXES), synthetic input (XTEST, XInput2), round button (SHAPE), keyboard (xkbcommon)
+  libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
+  libxcb-xtest0-dev libxcb-xinput-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev
+  libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev
+  # tests
+  libgtest-dev libgmock-dev
+  # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,
+  # tools the integration tests drive it with, and fonts and icons for what is drawn
+  xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer
+  xdotool imagemagick fonts-dejavu-core adwaita-icon-theme
+)
+if [[ ${1:-} == --bench ]]; then
+  packages+=(ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
+fi
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+if ((${#missing[@]} == 0)); then exit 0; fi
+
+echo "Installing: ${missing[*]}"
+sudo=""
+if [[ $(id -u) -ne 0 ]]; then sudo=sudo; fi
+$sudo apt-get update -q
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Builds ORLET and runs it: on the current X display, or, when there is none, in a virtual X
+# session (Xorg dummy with two displays, openbox, a tray) together with a stand-in editor, so that
+# it can still be seen working: a screenshot of that session is saved as orlet-screenshot.png.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+build=${ORLET_BUILD_DIR:-build}
+cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build "$build" -j"$(nproc)"
+
+if [[ -n ${DISPLAY:-} ]] && xdpyinfo >/dev/null 2>&1; then
+  exec "$build/orlet" "$@"
+fi
+
+display=:${ORLET_VIRTUAL_DISPLAY:-31}
+echo "No X display: starting a virtual one on $display."
+scripts/xsession.sh start "$display" --tray
+export DISPLAY=$display
+trap 'kill $(jobs -p) 2>/dev/null; scripts/xsession.sh stop "$display"' EXIT
+
+editor=$(find "$build" -name 'orlet-stand-in-editor' -type f -perm -u+x | head -n 1)
+if [[ -n $editor ]]; then
+  "$editor" &
+fi
+"$build/orlet" "$@" &
+orlet_pid=$!
+
+# Wait for ORLET's floating button before the screenshot, instead of a fixed delay.
+for _ in $(seq 100); do
+  if xdotool search --pid "$orlet_pid" >/dev/null 2>&1; then break; fi
+  sleep 0.1
+done
+if [[ -n $editor ]]; then
+  xdotool search --class CaptureOne windowactivate 2>/dev/null || true
+fi
+sleep 1
+import -window root orlet-screenshot.png
+echo "ORLET runs on $display (screenshot: $PWD/orlet-screenshot.png). Ctrl-C stops it."
+wait "$orlet_pid"
