@@ -1,0 +1,133 @@
+#include "window/CaptureOneFocus.h"
+#include "window/FrontApplication.h"
+#include "window/WindowController.h"
+
+namespace orlet {
+namespace {
+
+constexpr double minimumEditorWindowSide = 50;
+
+PanelLevel levelFor(bool pinned) {
+  return pinned ? PanelLevel::floating : PanelLevel::normal;
+}
+
+}  // namespace
+
+void WindowController::setPinned(bool pinned) {
+  isPinned_ = pinned;
+  ports_.defaults.set(window_defaults::pinned, pinned);
+  applyPinState();
+  updatePinButtonAppearance();
+}
+
+void WindowController::togglePin() {
+  setPinned(!isPinned_);
+}
+
+// Unpinning while any other application is in front hides the mirror at once: an unpinned
+// mirror never outlives a change of the front application.
+void WindowController::applyPinState() {
+  if (!secondaryWindow_) return;
+  auto& window = *secondaryWindow_;
+  window.setLevel(levelFor(isPinned_));
+  const auto front = FrontApplication::read(ports_.workspace);
+  if (!userWantsWindowVisible_ || (!front.isOurs && !isPinned_)) {
+    window.orderOut();
+    return;
+  }
+  if (front.isOurs) return;
+  // Over the editor while it is in front; among normal windows while another application is.
+  window.setLevel(front.isCaptureOne ? PanelLevel::floating : PanelLevel::normal);
+  placeAboveCaptureOne(front.isCaptureOne ? Fallback::front : Fallback::back);
+}
+
+void WindowController::updatePinButtonAppearance() {
+  if (!pinButton_) return;
+  if (isPinned_) {
+    pinButton_->setSymbol("pin.fill", ButtonTint::controlAccent);
+  } else {
+    pinButton_->setSymbol("pin.slash", ButtonTint::secondaryLabel);
+  }
+}
+
+void WindowController::handleFrontAppChange(std::string_view appNameLowercased,
+                                            bool isOurAppFront) {
+  ensureWindow();
+  if (!secondaryWindow_) return;
+  const bool isCaptureOne = CaptureOneFocus::isCaptureOneName(appNameLowercased);
+  if (lastFrontAppWasCaptureOne_ && !isCaptureOne) {
+    wasVisibleBeforeLeavingCaptureOne_ = secondaryWindow_->isVisible();
+  }
+  followFrontApp(isCaptureOne, isOurAppFront);
+  lastFrontAppWasCaptureOne_ = isCaptureOne;
+}
+
+void WindowController::followFrontApp(bool isCaptureOne, bool isOurAppFront) {
+  auto& window = *secondaryWindow_;
+  if (!userWantsWindowVisible_ || (!isOurAppFront && !isPinned_)) {
+    window.orderOut();
+    return;
+  }
+  if (isOurAppFront) return;
+  if (isCaptureOne) {
+    window.setLevel(PanelLevel::floating);
+    ports_.scheduler.after(placementDelay,
+                           lifetime_.guard([this] { placeAboveCaptureOne(Fallback::front); }));
+  } else {
+    ports_.scheduler.after(placementDelay, lifetime_.guard([this] {
+      secondaryWindow_->setLevel(PanelLevel::normal);
+      placeAboveCaptureOne(Fallback::back);
+    }));
+  }
+}
+
+void WindowController::placeAboveCaptureOne(Fallback fallback) {
+  auto& window = *secondaryWindow_;
+  if (const auto top = getTopCaptureOneWindowNumber()) {
+    window.orderAbove(*top);
+  } else if (fallback == Fallback::front) {
+    window.orderFrontRegardless();
+  } else {
+    window.orderBack();
+  }
+}
+
+bool WindowController::isCaptureOneFront() const {
+  const auto front = ports_.workspace.frontmostApplication();
+  return front && CaptureOneFocus::isCaptureOne(*front);
+}
+
+std::optional<WindowNumber> WindowController::getTopCaptureOneWindowNumber() const {
+  const auto editor = CaptureOneFocus::firstRunning(ports_.workspace);
+  // An unknown process would match every window whose owner is unknown too.
+  if (!editor || editor->processIdentifier == 0) return std::nullopt;
+  const auto windows = ports_.windowServer.onScreenWindows();
+  if (!windows) return std::nullopt;
+  for (const auto& info : *windows) {
+    if (info.ownerPid != editor->processIdentifier || info.number == 0) continue;
+    if (info.bounds.width > minimumEditorWindowSide &&
+        info.bounds.height > minimumEditorWindowSide) {
+      return info.number;
+    }
+  }
+  return std::nullopt;
+}
+
+bool WindowController::isCaptureOneAboveWindow(const Panel& window) const {
+  const auto top = getTopCaptureOneWindowNumber();
+  const auto mine = window.windowNumber();
+  if (!top || mine == 0) return false;
+  const auto windows = ports_.windowServer.onScreenWindows();
+  if (!windows) return false;
+  std::optional<std::size_t> editorIndex;
+  std::optional<std::size_t> mirrorIndex;
+  for (std::size_t i = 0; i < windows->size() && !(editorIndex && mirrorIndex); ++i) {
+    const auto number = (*windows)[i].number;
+    if (number == *top) editorIndex = i;
+    if (number == mine) mirrorIndex = i;
+  }
+  // The list runs front to back: a smaller index is nearer the front.
+  return editorIndex && mirrorIndex && *editorIndex < *mirrorIndex;
+}
+
+}  // namespace orlet

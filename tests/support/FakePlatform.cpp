@@ -1,0 +1,48 @@
+#include "support/FakePlatform.h"
+
+#include "app/AppMenuActions.h"
+#include "app/HotkeyManager.h"
+#include "app/SettingsWindowController.h"
+#include "app/UpdateManager.h"
+
+namespace orlet::test {
+
+void resetSharedInstances() {
+  SharedInstance<WindowController>::reset();
+  SharedInstance<AppMenuActions>::reset();
+  SharedInstance<HotkeyManager>::reset();
+  SharedInstance<SettingsWindowController>::reset();
+  SharedInstance<UpdateManager>::reset();
+}
+
+FakePlatform::FakePlatform() {
+  workspace.setOurIdentifier(ourApp().bundleIdentifier);
+  workspace.launch(ourApp());
+}
+
+FakePlatform::~FakePlatform() {
+  resetSharedInstances();
+}
+
+WindowController::Ports FakePlatform::windowControllerPorts() {
+  return {panels, workspace, windowServer, scheduler, notifications, defaults};
+}
+
+MainApp::Ports FakePlatform::mainAppPorts() {
+  return {panels,       statusBar, application,   workspace,
+          windowServer, scheduler, notifications, defaults};
+}
+
+void FakePlatform::installSharedWindowController() {
+  SharedInstance<WindowController>::setFactory(
+      [this] { return std::make_unique<WindowController>(windowControllerPorts()); });
+}
+
+RunningApplication FakePlatform::launch(const std::string& name, ProcessId pid, Rect bounds) {
+  RunningApplication app{name, "com.example." + std::to_string(pid), pid};
+  workspace.launch(app);
+  windowServer.openWindow(pid, bounds);
+  return app;
+}
+
+}  // namespace orlet::test
