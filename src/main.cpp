@@ -1,6 +1,116 @@
 #include <QApplication>
+#include <QGuiApplication>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include "app/MainApp.h"
+#include "app/SharedInstance.h"
+#include "foundation/NotificationCenter.h"
+#include "foundation/UserDefaults.h"
+#include "linux/capture/X11CaptureService.h"
+#include "linux/qt/QSettingsStore.h"
+#include "linux/qt/QtApplication.h"
+#include "linux/qt/QtPanelFactory.h"
+#include "linux/qt/QtScheduler.h"
+#include "linux/qt/QtStatusBar.h"
+#include "linux/qt/XcbEventFilter.h"
+#include "linux/qt/views/MirrorContent.h"
+#include "linux/x11/DisplayProbe.h"
+#include "linux/x11/X11WindowServer.h"
+#include "linux/x11/X11Workspace.h"
+#include "window/WindowController.h"
+
+namespace {
+
+using namespace orlet;
+
+// ICCCM 4.1.2.5 instance name of our windows, whatever the executable is called; the
+// workspace reports it as our identifier unless a desktop entry names us.
+constexpr char instanceName[] = "orlet";
+
+int fail(const std::string& why) {
+  std::cerr << "orlet: " << why << '\n';
+  return 1;
+}
+
+struct Adapters {
+  std::unique_ptr<x11::XConnection> x;
+  x11::XEventSource events;
+  linux_qt::XcbEventFilter filter{events};
+  linux_qt::QtScheduler scheduler;
+  NotificationCenter notifications;
+  linux_qt::QSettingsStore settings;
+  MemoryDefaultsStore fallbackStore;
+  UserDefaults defaults{settings.isUsable() ? static_cast<DefaultsStore&>(settings)
+                                            : fallbackStore};
+  x11::X11WindowServer windowServer{*x};
+  x11::X11Workspace workspace{*x,
+                              events,
+                              scheduler,
+                              x11::DesktopEntries::fromEnvironment(),
+                              {instanceName, QCoreApplication::applicationName().toStdString()}};
+  linux_qt::QtPanelFactory panels{*x, windowServer};
+  linux_qt::QtStatusBar statusBar;
+  linux_qt::QtApplication application;
+  linux_capture::X11CaptureService capture{scheduler};
+  std::unique_ptr<linux_qt::MirrorContent> mirror;
+
+  explicit Adapters(std::unique_ptr<x11::XConnection> connection)
+      : x(std::move(connection)), events(x->xinputOpcode()) {}
+};
+
+// The shared controllers are built on first use from the adapters, and go before them: they
+// hold panels, which need the adapters and the QApplication.
+struct Controllers {
+  explicit Controllers(Adapters& a) {
+    SharedInstance<WindowController>::setFactory([&a] {
+      return std::make_unique<WindowController>(WindowController::Ports{
+          a.panels, a.workspace, a.windowServer, a.scheduler, a.notifications, a.defaults});
+    });
+  }
+  ~Controllers() { SharedInstance<WindowController>::reset(); }
+  Controllers(const Controllers&) = delete;
+  Controllers& operator=(const Controllers&) = delete;
+};
+
+int run(QApplication& qt, int screen) {
+  auto* native = qt.nativeInterface<QNativeInterface::QX11Application>();
+  auto x = native ? x11::XConnection::borrow(native->connection(), screen) : nullptr;
+  if (!x) return fail("no X display (the X connection cannot be used)");
+  Adapters adapters(std::move(x));
+  qt.installNativeEventFilter(&adapters.filter);
+  adapters.mirror = std::make_unique<linux_qt::MirrorContent>(linux_qt::MirrorContent::Ports{
+      *adapters.x, adapters.scheduler, adapters.notifications, adapters.capture,
+      [] { return WindowController::shared().isWindowVisible(); }, std::cerr});
+  adapters.panels.setMirrorContent([&adapters] { return adapters.mirror->makeView(); });
+  Controllers controllers(adapters);
+  MainApp app({adapters.panels, adapters.statusBar, adapters.application, adapters.workspace,
+               adapters.windowServer, adapters.scheduler, adapters.notifications,
+               adapters.defaults});
+  try {
+    app.start();
+  } catch (const std::exception& error) {
+    return fail(std::string("cannot start: ") + error.what());
+  }
+  return qt.exec();
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-  QApplication app(argc, argv);
-  return 0;
+  const auto probe = x11::probeDisplay();
+  if (!probe.reachable) return fail("no X display (" + probe.problem + ")");
+  // A Wayland session with XWayland: only the X11 backend can see other applications' windows.
+  setenv("QT_QPA_PLATFORM", "xcb", 1);
+  setenv("RESOURCE_NAME", instanceName, 1);
+  Q_INIT_RESOURCE(orlet);
+  QApplication qt(argc, argv);
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  if (QGuiApplication::platformName() != QLatin1String("xcb")) {
+    return fail("no X display (Qt runs on \"" + QGuiApplication::platformName().toStdString() +
+                "\", ORLET needs X11)");
+  }
+  return run(qt, probe.screen);
 }

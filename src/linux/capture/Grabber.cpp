@@ -1,0 +1,269 @@
+#include "linux/capture/Grabber.h"
+
+#include <poll.h>
+#include <xcb/damage.h>
+#include <xcb/randr.h>
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "capture/PixelRect.h"
+#include "linux/capture/Monitors.h"
+#include "linux/capture/PixelReader.h"
+#include "linux/capture/SharedMemory.h"
+#include "linux/capture/Xcb.h"
+
+namespace orlet::linux_capture {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Past this many changed rectangles, one read of their bounding box is cheaper.
+constexpr std::size_t maxRectsPerRead = 16;
+// Reads that fail this many times in a row, with the display still listed, end the capture.
+constexpr int maxFailedReads = 5;
+
+class Grabber {
+ public:
+  Grabber(const GrabberSettings& settings, const GrabberEvents& events)
+      : settings_(settings), events_(events) {
+    interval_ = std::chrono::duration_cast<Clock::duration>(settings.minimumInterval);
+  }
+  ~Grabber() {
+    reader_.reset();  // detaches shared memory while the connection is still open
+  }
+
+  std::optional<CaptureError> setUp();
+  std::optional<CaptureError> run();
+  bool announced() const { return announced_; }
+
+ private:
+  std::optional<std::string> checkPixelFormat() const;
+  void setUpDamage();
+  std::optional<std::string> locate(bool initial);
+  void drainEvents();
+  std::optional<CaptureError> grab();
+  void advanceDeadline(Clock::time_point now);
+  bool hasWork() const { return dirty_ || !carried_.empty(); }
+  bool sleepUntil(Clock::time_point deadline);
+  bool waitForInput();
+
+  const GrabberSettings& settings_;
+  const GrabberEvents& events_;
+  std::unique_ptr<XcbConnection> connection_;
+  std::unique_ptr<PixelReader> reader_;
+  bool randr15_ = false;
+  std::uint8_t randrFirstEvent_ = 0;
+  std::uint8_t damageFirstEvent_ = 0;
+  xcb_damage_damage_t damage_ = XCB_NONE;
+  bool dirty_ = false;  // without DAMAGE: read everything at every deadline
+  bool monitorsChanged_ = false;
+  std::vector<PixelRect> carried_;  // changes reported (global) or left unread (area-relative)
+  int failedReads_ = 0;
+  bool announced_ = false;  // the start was reported
+  Clock::duration interval_;
+  Clock::time_point nextDeadline_ = Clock::now();
+};
+
+std::optional<std::string> Grabber::checkPixelFormat() const {
+  const xcb_setup_t* setup = xcb_get_setup(connection_->get());
+  const std::uint8_t depth = connection_->screen().root_depth;
+  if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST || (depth != 24 && depth != 32)) {
+    return "unsupported root window format (depth " + std::to_string(depth) + ")";
+  }
+  for (auto it = xcb_setup_pixmap_formats_iterator(setup); it.rem > 0; xcb_format_next(&it)) {
+    if (it.data->depth == depth) {
+      if (it.data->bits_per_pixel == 32) return std::nullopt;
+      break;
+    }
+  }
+  return "the root window is not 32 bits per pixel";
+}
+
+std::optional<CaptureError> Grabber::setUp() {
+  std::string error;
+  connection_ = XcbConnection::open(
+      settings_.displayName.empty() ? nullptr : settings_.displayName.c_str(), error);
+  if (!connection_) return CaptureError{error};
+  if (auto failure = checkPixelFormat()) return CaptureError{*failure};
+  randr15_ = initRandr(*connection_);
+  if (randr15_) {
+    connection_->hasExtension(&xcb_randr_id, &randrFirstEvent_);
+    // Notifications of output and CRTC changes tell us when our monitor goes away or moves.
+    const std::uint16_t mask = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
+    if (auto failure = connection_->check(
+            xcb_randr_select_input_checked(connection_->get(), connection_->root(), mask),
+            "RandR SelectInput")) {
+      return CaptureError{*failure};
+    }
+  }
+  const bool useShm = SharedMemory::supported(*connection_);
+  if (!useShm) std::fprintf(stderr, "ORLET: no MIT-SHM 1.2 on this X server; using GetImage\n");
+  reader_ = std::make_unique<PixelReader>(*connection_, useShm);
+  if (auto failure = locate(true)) return CaptureError{*failure};
+  setUpDamage();
+  return std::nullopt;
+}
+
+void Grabber::setUpDamage() {
+  auto* c = connection_->get();
+  Reply<xcb_damage_query_version_reply_t> version;
+  // DAMAGE refuses requests from a client that has not announced its version.
+  if (connection_->hasExtension(&xcb_damage_id, &damageFirstEvent_)) {
+    version.reset(xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
+  }
+  if (!version) {
+    std::fprintf(stderr, "ORLET: no DAMAGE on this X server; reading every frame whole\n");
+    dirty_ = true;
+    return;
+  }
+  damage_ = xcb_generate_id(c);
+  // Raw rectangles: each change arrives as an event carrying its rectangle, and the server keeps
+  // no damage region for us, so taking the changes costs no round trip. Between frames we do
+  // not read the connection: the events wait in the socket and cost no wake-up.
+  if (auto failure =
+          connection_->check(xcb_damage_create_checked(c, damage_, connection_->root(),
+                                                       XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES),
+                             "DAMAGE Create")) {
+    std::fprintf(stderr, "ORLET: %s; reading every frame whole\n", failure->c_str());
+    damage_ = XCB_NONE;
+    dirty_ = true;
+  }
+}
+
+std::optional<std::string> Grabber::locate(bool initial) {
+  std::string error;
+  auto displays = queryDisplays(*connection_, randr15_, error);
+  if (!displays) return error;
+  for (const auto& display : *displays) {
+    if (display.displayID != settings_.displayID) continue;
+    const PixelRect area{int(display.frame.x), int(display.frame.y), display.width, display.height};
+    if (initial || area != reader_->area()) {
+      if (!reader_->configure(area, error)) return error;
+      carried_ = {area};  // read all of it
+    }
+    return std::nullopt;
+  }
+  return initial ? "no such display" : "the display went away";
+}
+
+void Grabber::drainEvents() {
+  while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
+    const std::uint8_t type = event->response_type & 0x7f;
+    if (damage_ != XCB_NONE && type == damageFirstEvent_ + XCB_DAMAGE_NOTIFY) {
+      const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(*event);
+      carried_.push_back({notify.area.x, notify.area.y, notify.area.width, notify.area.height});
+      // A flood of small changes is kept as one rectangle until the next frame.
+      if (carried_.size() > 4 * maxRectsPerRead) carried_ = {boundingBox(carried_)};
+    } else if (randr15_ && (type == randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                            type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
+      monitorsChanged_ = true;
+    }
+  }
+}
+
+void Grabber::advanceDeadline(Clock::time_point now) {
+  // Absolute deadlines keep the requested rate under load; after an idle spell the next frame
+  // may come one interval after this one, not at once.
+  const Clock::time_point base = now - nextDeadline_ >= interval_ ? now : nextDeadline_;
+  nextDeadline_ = base + interval_;
+}
+
+std::optional<CaptureError> Grabber::grab() {
+  const PixelRect area = reader_->area();
+  std::vector<PixelRect> reported = std::move(carried_);
+  carried_.clear();
+  if (dirty_) reported.push_back(area);  // no DAMAGE: read everything
+  std::vector<PixelRect> changed = damageWithin(reported, area, maxRectsPerRead);
+  if (changed.empty()) return std::nullopt;  // only other displays changed
+  const auto now = Clock::now();
+  FrameRef frame;
+  std::string error;
+  switch (reader_->read(changed, frame, error)) {
+    case PixelReader::Result::ok:
+      failedReads_ = 0;
+      advanceDeadline(now);
+      // The start is reported with the first picture in hand: filling fresh shared memory
+      // page by page can take tens of milliseconds, which must not eat into a caller's wait
+      // for the first frame.
+      if (!std::exchange(announced_, true)) events_.started(std::nullopt);
+      events_.frame(std::move(frame));
+      return std::nullopt;
+    case PixelReader::Result::busy:  // readers hold every buffer: try again next interval
+      carried_ = std::move(reported);
+      nextDeadline_ = now + interval_;
+      return std::nullopt;
+    case PixelReader::Result::failed:
+      break;
+  }
+  // A read fails when the monitor shrank or vanished under us (BadMatch outside the root).
+  if (connection_->hasError()) return CaptureError{"the X connection broke"};
+  if (auto gone = locate(false)) return CaptureError{*gone};
+  if (++failedReads_ >= maxFailedReads) return CaptureError{error};
+  carried_ = {reader_->area()};
+  nextDeadline_ = now + interval_;
+  return std::nullopt;
+}
+
+// Sleeps until `deadline` without reading the X connection; false when told to stop.
+bool Grabber::sleepUntil(Clock::time_point deadline) {
+  xcb_flush(connection_->get());
+  pollfd stop{settings_.stopFd, POLLIN, 0};
+  const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                      std::max(Clock::duration::zero(), deadline - Clock::now()))
+                      .count();
+  const timespec timeout{time_t(ns / 1000000000), long(ns % 1000000000)};
+  ppoll(&stop, 1, &timeout, nullptr);
+  return (stop.revents & POLLIN) == 0;
+}
+
+// Sleeps until the X server sends something; false when told to stop.
+bool Grabber::waitForInput() {
+  xcb_flush(connection_->get());
+  pollfd fds[2] = {{xcb_get_file_descriptor(connection_->get()), POLLIN, 0},
+                   {settings_.stopFd, POLLIN, 0}};
+  ppoll(fds, 2, nullptr, nullptr);
+  return (fds[1].revents & POLLIN) == 0;
+}
+
+std::optional<CaptureError> Grabber::run() {
+  while (true) {
+    if (Clock::now() < nextDeadline_) {  // too early for another frame
+      if (!sleepUntil(nextDeadline_)) return std::nullopt;
+      continue;
+    }
+    drainEvents();
+    if (connection_->hasError()) return CaptureError{"the X connection broke"};
+    if (monitorsChanged_) {
+      monitorsChanged_ = false;
+      if (auto gone = locate(false)) return CaptureError{*gone};
+    }
+    if (hasWork()) {
+      if (auto fatal = grab()) return fatal;
+      continue;
+    }
+    if (!waitForInput()) return std::nullopt;
+  }
+}
+
+}  // namespace
+
+void runGrabber(const GrabberSettings& settings, const GrabberEvents& events) {
+  Grabber grabber(settings, events);
+  if (auto error = grabber.setUp()) {
+    events.started(error);
+    events.ended(error);
+    return;
+  }
+  auto end = grabber.run();
+  if (!grabber.announced()) {
+    events.started(end ? end : CaptureError{"stopped before it started"});
+  }
+  events.ended(end);
+}
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "foundation/Scheduler.h"
+#include "platform/CaptureService.h"
+
+namespace orlet::linux_capture {
+
+// What a capture thread reports, on that thread.
+struct GrabberEvents {
+  std::function<void(std::optional<CaptureError>)> started;  // once, first
+  std::function<void(FrameRef)> frame;                       // each new picture
+  std::function<void(std::optional<CaptureError>)> ended;    // once, last; nullopt: stopped
+};
+
+struct GrabberSettings {
+  std::string displayName;  // the X display; empty: $DISPLAY
+  DisplayID displayID = 0;  // the RandR output of the monitor to capture
+  Seconds minimumInterval{1.0 / 60};
+  int stopFd = -1;  // becomes readable when the capture must end
+};
+
+// The body of a capture thread: captures the display until `stopFd` is readable, the display
+// goes away or the X connection breaks. Blocks only in poll() and in replies to its own requests,
+// on its own X connection.
+void runGrabber(const GrabberSettings& settings, const GrabberEvents& events);
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,164 @@
+#include "linux/capture/PixelReader.h"
+
+#include <cstring>
+
+namespace orlet::linux_capture {
+namespace {
+
+// Buffers per display: one being shown, one travelling to the main thread, one being filled.
+constexpr std::size_t poolCapacity = 3;
+
+std::int64_t totalArea(const std::vector<PixelRect>& rects) {
+  std::int64_t area = 0;
+  for (const auto& r : rects) area += r.area();
+  return area;
+}
+
+}  // namespace
+
+PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory)
+    : connection_(connection), useShm_(useSharedMemory) {}
+
+PixelReader::~PixelReader() = default;
+
+bool PixelReader::configure(const PixelRect& area, std::string& error) {
+  area_ = area;
+  pool_.reset();
+  frameMemory_.clear();
+  scratch_.reset();
+  if (useShm_) {
+    scratch_ =
+        SharedMemory::create(connection_, std::size_t(area.area()) * Frame::bytesPerPixel, error);
+    if (!scratch_) return false;
+  }
+  pool_ = std::make_unique<FramePool>(area.width, area.height, poolCapacity,
+                                      [this](int w, int h) { return allocate(w, h); });
+  return true;
+}
+
+std::shared_ptr<Frame> PixelReader::allocate(int width, int height) {
+  if (useShm_) {
+    // Frames in shared memory let the server write a large change straight into them.
+    std::string ignored;
+    const std::size_t stride = std::size_t(width) * Frame::bytesPerPixel;
+    if (auto memory = SharedMemory::create(connection_, stride * height, ignored)) {
+      auto frame =
+          std::make_shared<Frame>(width, height, stride, memory->mapping(), memory->data());
+      frameMemory_[memory->data()] = std::move(memory);
+      return frame;
+    }
+  }
+  return Frame::allocate(width, height);
+}
+
+PixelReader::Result PixelReader::read(std::vector<PixelRect> changed, FrameRef& frame,
+                                      std::string& error) {
+  if (!pool_->current()) changed = {{0, 0, area_.width, area_.height}};
+  std::shared_ptr<Frame> target = pool_->acquire(changed);
+  if (!target) return Result::busy;
+  const bool ok = useShm_ ? readShm(*target, changed, error) : readPlain(*target, changed, error);
+  if (!ok) {
+    pool_->discard(target);
+    return Result::failed;
+  }
+  pool_->commit(target, changed);
+  frame = std::move(target);
+  return Result::ok;
+}
+
+bool PixelReader::readShm(Frame& frame, const std::vector<PixelRect>& changed, std::string& error) {
+  const PixelRect bounds = boundingBox(changed);
+  const PixelRect band{0, bounds.y, area_.width, bounds.height};
+  // A large change is read as whole rows straight into the frame (no copy on our side); a
+  // small one rectangle by rectangle into scratch memory, then copied: fewer bytes overall.
+  if (frameMemory_.count(frame.pixels()) && band.area() <= 2 * totalArea(changed)) {
+    return readBand(frame, band, error);
+  }
+  return readRects(frame, changed, error);
+}
+
+bool PixelReader::readRects(Frame& frame, const std::vector<PixelRect>& changed,
+                            std::string& error) {
+  // All requests go out before the first reply is awaited: one round trip for all.
+  std::vector<xcb_shm_get_image_cookie_t> cookies;
+  std::uint32_t offset = 0;
+  for (const auto& r : changed) {
+    cookies.push_back(xcb_shm_get_image(connection_.get(), connection_.root(),
+                                        std::int16_t(area_.x + r.x), std::int16_t(area_.y + r.y),
+                                        std::uint16_t(r.width), std::uint16_t(r.height), ~0u,
+                                        XCB_IMAGE_FORMAT_Z_PIXMAP, scratch_->segment(), offset));
+    offset += std::uint32_t(r.area()) * Frame::bytesPerPixel;
+  }
+  bool ok = true;
+  for (auto& cookie : cookies) {  // collect every reply, even after a failure
+    xcb_generic_error_t* rawError = nullptr;
+    Reply<xcb_shm_get_image_reply_t> reply(
+        xcb_shm_get_image_reply(connection_.get(), cookie, &rawError));
+    Reply<xcb_generic_error_t> failure(rawError);
+    if (!reply && ok) {
+      error = failure ? describe("MIT-SHM GetImage", *failure) : "MIT-SHM GetImage failed";
+      ok = false;
+    }
+  }
+  if (!ok) return false;
+  offset = 0;
+  for (const auto& r : changed) {
+    copyIn(frame, r, scratch_->data() + offset);
+    offset += std::uint32_t(r.area()) * Frame::bytesPerPixel;
+  }
+  return true;
+}
+
+bool PixelReader::readBand(Frame& frame, const PixelRect& band, std::string& error) {
+  const auto& memory = frameMemory_.at(frame.pixels());
+  xcb_generic_error_t* rawError = nullptr;
+  Reply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(
+      connection_.get(),
+      xcb_shm_get_image(connection_.get(), connection_.root(), std::int16_t(area_.x),
+                        std::int16_t(area_.y + band.y), std::uint16_t(band.width),
+                        std::uint16_t(band.height), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                        memory->segment(), std::uint32_t(band.y * frame.stride())),
+      &rawError));
+  Reply<xcb_generic_error_t> failure(rawError);
+  if (!reply) {
+    error = failure ? describe("MIT-SHM GetImage", *failure) : "MIT-SHM GetImage failed";
+    return false;
+  }
+  return true;
+}
+
+bool PixelReader::readPlain(Frame& frame, const std::vector<PixelRect>& changed,
+                            std::string& error) {
+  std::vector<xcb_get_image_cookie_t> cookies;
+  for (const auto& r : changed) {
+    cookies.push_back(xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
+                                    connection_.root(), std::int16_t(area_.x + r.x),
+                                    std::int16_t(area_.y + r.y), std::uint16_t(r.width),
+                                    std::uint16_t(r.height), ~0u));
+  }
+  bool ok = true;
+  for (std::size_t i = 0; i < cookies.size(); ++i) {
+    xcb_generic_error_t* rawError = nullptr;
+    Reply<xcb_get_image_reply_t> reply(
+        xcb_get_image_reply(connection_.get(), cookies[i], &rawError));
+    Reply<xcb_generic_error_t> failure(rawError);
+    const auto expected = std::size_t(changed[i].area()) * Frame::bytesPerPixel;
+    if (reply && std::size_t(xcb_get_image_data_length(reply.get())) >= expected) {
+      if (ok) copyIn(frame, changed[i], xcb_get_image_data(reply.get()));
+    } else if (ok) {
+      error = failure ? describe("GetImage", *failure) : "GetImage returned too little";
+      ok = false;
+    }
+  }
+  return ok;
+}
+
+void PixelReader::copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const {
+  const std::size_t bytes = std::size_t(rect.width) * Frame::bytesPerPixel;
+  const std::size_t offset = std::size_t(rect.x) * Frame::bytesPerPixel;
+  for (int y = 0; y < rect.height; ++y) {
+    std::memcpy(frame.mutableRow(rect.y + y) + offset, source + bytes * std::size_t(y), bytes);
+  }
+}
+
+}  // namespace orlet::linux_capture

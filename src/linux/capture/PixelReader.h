@@ -1,0 +1,50 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "capture/FramePool.h"
+#include "capture/PixelRect.h"
+#include "linux/capture/SharedMemory.h"
+#include "linux/capture/Xcb.h"
+
+namespace orlet::linux_capture {
+
+// Reads an area of the root window into frames, only the parts that changed: with MIT-SHM when
+// the server offers it, else with plain GetImage. Plain root reads never contain the pointer
+// (the server removes a software cursor before reading). Used by one capture thread.
+class PixelReader {
+ public:
+  enum class Result { ok, busy, failed };
+
+  PixelReader(const XcbConnection& connection, bool useSharedMemory);
+  ~PixelReader();
+
+  // Reads `area` (global coordinates) from now on; the next read reads all of it.
+  bool configure(const PixelRect& area, std::string& error);
+  const PixelRect& area() const { return area_; }
+  bool usesSharedMemory() const { return useShm_; }
+
+  // The next picture: the previous one with `changed` (area coordinates) read anew. busy when
+  // every buffer is still held by readers (nothing was read); failed with `error` set.
+  Result read(std::vector<PixelRect> changed, FrameRef& frame, std::string& error);
+
+ private:
+  std::shared_ptr<Frame> allocate(int width, int height);
+  bool readShm(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
+  bool readRects(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
+  bool readBand(Frame& frame, const PixelRect& band, std::string& error);
+  bool readPlain(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
+  void copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const;
+
+  const XcbConnection& connection_;
+  bool useShm_;
+  PixelRect area_;
+  std::unique_ptr<FramePool> pool_;
+  std::unique_ptr<SharedMemory> scratch_;
+  std::map<const std::uint8_t*, std::unique_ptr<SharedMemory>> frameMemory_;
+};
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,52 @@
+#include "linux/capture/SharedMemory.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace orlet::linux_capture {
+
+bool SharedMemory::supported(const XcbConnection& connection) {
+  if (!connection.hasExtension(&xcb_shm_id)) return false;
+  Reply<xcb_shm_query_version_reply_t> version(xcb_shm_query_version_reply(
+      connection.get(), xcb_shm_query_version(connection.get()), nullptr));
+  // Passing a file descriptor (AttachFd) came with 1.2.
+  return version && (version->major_version > 1 || version->minor_version >= 2);
+}
+
+std::unique_ptr<SharedMemory> SharedMemory::create(const XcbConnection& connection,
+                                                   std::size_t size, std::string& error) {
+  const int fd = memfd_create("orlet-capture", MFD_CLOEXEC);
+  if (fd < 0) {
+    error = std::string("memfd_create: ") + std::strerror(errno);
+    return nullptr;
+  }
+  void* address = MAP_FAILED;
+  if (ftruncate(fd, static_cast<off_t>(size)) == 0) {
+    address = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  }
+  if (address == MAP_FAILED) {
+    error = std::string("shared memory: ") + std::strerror(errno);
+    close(fd);
+    return nullptr;
+  }
+  std::shared_ptr<void> mapping(address, [size](void* p) { munmap(p, size); });
+  const xcb_shm_seg_t segment = xcb_generate_id(connection.get());
+  // XCB sends the descriptor with the request and closes our copy.
+  auto failure = connection.check(xcb_shm_attach_fd_checked(connection.get(), segment, fd, 0),
+                                  "MIT-SHM AttachFd");
+  if (failure) {
+    error = *failure;
+    return nullptr;
+  }
+  return std::unique_ptr<SharedMemory>(
+      new SharedMemory(connection, segment, std::move(mapping), size));
+}
+
+SharedMemory::~SharedMemory() {
+  if (!connection_.hasError()) xcb_shm_detach(connection_.get(), segment_);
+}
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,38 @@
+#include "linux/capture/X11CaptureService.h"
+
+#include "linux/capture/Monitors.h"
+#include "linux/capture/X11CaptureStream.h"
+#include "linux/capture/Xcb.h"
+
+namespace orlet::linux_capture {
+
+X11CaptureService::X11CaptureService(Scheduler& scheduler, std::string displayName)
+    : scheduler_(scheduler), displayName_(std::move(displayName)) {}
+
+X11CaptureService::~X11CaptureService() = default;
+
+void X11CaptureService::shareableContent(
+    std::function<void(std::optional<ShareableContent>, std::optional<CaptureError>)> completion) {
+  // The RandR round trips happen on a worker thread with its own connection: the main thread
+  // never waits for the server. Each query sees the monitors as they are now, hotplug included.
+  Scheduler* scheduler = &scheduler_;
+  threads_->spawn(nullptr, [scheduler, name = displayName_, completion = std::move(completion)] {
+    std::string error;
+    std::optional<std::vector<Display>> displays;
+    if (auto connection = XcbConnection::open(name.empty() ? nullptr : name.c_str(), error)) {
+      displays = queryDisplays(*connection, initRandr(*connection), error);
+    }
+    scheduler->async([completion, displays, error] {
+      if (!displays) return completion(std::nullopt, CaptureError{error});
+      completion(ShareableContent{*displays}, std::nullopt);
+    });
+  });
+}
+
+std::shared_ptr<CaptureStream> X11CaptureService::makeStream(
+    const Display& display, const StreamConfiguration& configuration) {
+  return std::make_shared<X11CaptureStream>(scheduler_, threads_, displayName_, display,
+                                            configuration);
+}
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "foundation/Scheduler.h"
+#include "linux/capture/WorkerThreads.h"
+#include "platform/CaptureService.h"
+
+namespace orlet::linux_capture {
+
+// Screen capture on an X11 server: displays are RandR 1.5 monitors; each stream reads its
+// monitor on a thread of its own (MIT-SHM, driven by DAMAGE). `scheduler` must outlive the
+// service and every stream it made; destroying the service stops and joins their threads.
+class X11CaptureService final : public CaptureService {
+ public:
+  explicit X11CaptureService(Scheduler& scheduler, std::string displayName = {});
+  ~X11CaptureService() override;
+
+  void shareableContent(
+      std::function<void(std::optional<ShareableContent>, std::optional<CaptureError>)> completion)
+      override;
+  std::shared_ptr<CaptureStream> makeStream(const Display& display,
+                                            const StreamConfiguration& configuration) override;
+
+ private:
+  Scheduler& scheduler_;
+  std::string displayName_;
+  std::shared_ptr<WorkerThreads> threads_ = std::make_shared<WorkerThreads>();
+};
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/Scheduler.h"
+#include "linux/capture/Grabber.h"
+#include "linux/capture/WorkerThreads.h"
+#include "platform/CaptureService.h"
+
+namespace orlet::linux_capture {
+
+// A capture stream whose pictures come from a thread of its own with its own X connection. The
+// main-thread side only starts and stops that thread and hands its frames to the outputs.
+class X11CaptureStream final : public CaptureStream,
+                               public std::enable_shared_from_this<X11CaptureStream> {
+ public:
+  X11CaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
+                   std::string displayName, Display display, StreamConfiguration configuration);
+  // Ends a running capture without waiting for it.
+  ~X11CaptureStream() override;
+
+  std::optional<CaptureError> addStreamOutput(std::shared_ptr<CaptureStreamOutput> output,
+                                              StreamOutputType type) override;
+  void startCapture(CaptureCompletion completion) override;
+  void stopCapture(CaptureCompletion completion) override;
+  void setDidStopWithError(std::function<void(CaptureError)> handler) override {
+    didStopWithError_ = std::move(handler);
+  }
+
+ private:
+  struct Run;  // one start-to-end of the capture thread
+  static GrabberEvents eventsFor(Scheduler* scheduler, std::weak_ptr<X11CaptureStream> weak,
+                                 std::shared_ptr<Run> run);
+  static void started(const std::weak_ptr<X11CaptureStream>& weak, const std::shared_ptr<Run>& run,
+                      std::optional<CaptureError> error);
+  void onFrame(const std::shared_ptr<Run>& run);
+  static void ended(const std::weak_ptr<X11CaptureStream>& weak, const std::shared_ptr<Run>& run,
+                    std::optional<CaptureError> error);
+  void fail(CaptureCompletion completion, std::string message);
+
+  Scheduler& scheduler_;
+  std::shared_ptr<WorkerThreads> threads_;
+  std::string displayName_;
+  Display display_;
+  StreamConfiguration configuration_;
+  std::vector<std::pair<std::shared_ptr<CaptureStreamOutput>, StreamOutputType>> outputs_;
+  std::shared_ptr<Run> run_;  // the running capture; null when stopped
+  std::function<void(CaptureError)> didStopWithError_;
+  std::optional<CaptureError> endedAlone_;  // why the last capture ended without a stop
+};
+
+}  // namespace orlet::linux_capture

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+#include "foundation/Geometry.h"
+#include "platform/CaptureFrame.h"
+
+namespace orlet::linux_qt {
+
+class BusyIndicator;
+
+// Paints the latest frame of a display, aspect-fitted and centred, straight from the frame's
+// pixels: nothing is copied on the way and the scaling happens once, at the size drawn. Until a
+// frame arrives (and after the capture stopped) it shows a loading indicator instead.
+class FrameView final : public QWidget {
+ public:
+  struct Look {
+    qreal cornerRadius = 0;
+    int shadowRadius = 0;  // also the margin left around the picture for the shadow
+    QString loadingText;
+  };
+
+  FrameView(Size displaySize, Look look, QWidget* parent = nullptr);
+
+  void setFrame(FrameRef frame);
+  const FrameRef& frame() const { return frame_; }
+
+  // Where the picture lies in this widget: the display's aspect fitted into the space left
+  // inside the shadow margins.
+  QRectF pictureRect() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void paintShadow(QPainter& painter, const QRectF& picture);
+
+  Size displaySize_;
+  Look look_;
+  FrameRef frame_;
+  BusyIndicator* loading_;
+  QImage shadow_;  // for shadowSize_; rebuilt only when the picture changes size
+  QSizeF shadowSize_;
+};
+
+}  // namespace orlet::linux_qt

@@ -1,0 +1,236 @@
+// The capture engine against a real X server: an Xorg dummy session with DUMMY0 1920x1080 at
+// 0,0 (primary) and DUMMY1 2560x1440 at 1920,0, started for this test on its own display.
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "LoopScheduler.h"
+#include "capture/DisplayManager.h"
+#include "capture/VideoCaptureManager.h"
+#include "linux/capture/X11CaptureService.h"
+
+namespace orlet {
+namespace {
+
+constexpr const char* displayName = ":63";
+constexpr Seconds patience{10};
+
+int shell(const std::string& command) {
+  return std::system(("DISPLAY=" + std::string(displayName) + " " + command).c_str());
+}
+
+// Our own client, drawing what the capture must see.
+class Painter {
+ public:
+  Painter() : connection_(xcb_connect(displayName, nullptr)) {
+    screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+  }
+  ~Painter() { xcb_disconnect(connection_); }
+
+  // A mapped window at root position x, y filled with `rgb`, placed exactly (override-redirect).
+  xcb_window_t window(int x, int y, int width, int height, std::uint32_t rgb) {
+    const xcb_window_t id = xcb_generate_id(connection_);
+    const std::uint32_t values[] = {rgb, 1};
+    xcb_create_window(connection_, XCB_COPY_FROM_PARENT, id, screen_->root, std::int16_t(x),
+                      std::int16_t(y), std::uint16_t(width), std::uint16_t(height), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(connection_, id);
+    sync();
+    return id;
+  }
+
+  void fill(xcb_window_t window, int x, int y, int width, int height, std::uint32_t rgb) {
+    const xcb_gcontext_t gc = xcb_generate_id(connection_);
+    xcb_create_gc(connection_, gc, window, XCB_GC_FOREGROUND, &rgb);
+    const xcb_rectangle_t rect{std::int16_t(x), std::int16_t(y), std::uint16_t(width),
+                               std::uint16_t(height)};
+    xcb_poly_fill_rectangle(connection_, window, gc, 1, &rect);
+    xcb_free_gc(connection_, gc);
+    sync();
+  }
+
+  void destroy(xcb_window_t window) {
+    xcb_destroy_window(connection_, window);
+    sync();
+  }
+
+  // The root's pixels in a rectangle, as 0x00RRGGBB, row by row.
+  std::vector<std::uint32_t> read(int x, int y, int width, int height) {
+    auto* reply = xcb_get_image_reply(
+        connection_,
+        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(x),
+                      std::int16_t(y), std::uint16_t(width), std::uint16_t(height), ~0u),
+        nullptr);
+    std::vector<std::uint32_t> pixels(std::size_t(width) * height);
+    if (reply) {
+      const auto* data = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply));
+      for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = data[i] & 0xFFFFFF;
+      std::free(reply);
+    }
+    return pixels;
+  }
+
+ private:
+  void sync() {
+    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+  }
+  xcb_connection_t* connection_;
+  xcb_screen_t* screen_;
+};
+
+std::uint32_t rgb(const FrameRef& frame, int x, int y) {
+  return frame->pixel(x, y) & 0xFFFFFF;
+}
+
+bool sameAsScreen(const FrameRef& frame, Painter& painter, const Display& display) {
+  const auto screen =
+      painter.read(int(display.frame.x), int(display.frame.y), display.width, display.height);
+  for (int y = 0; y < frame->height(); ++y) {
+    for (int x = 0; x < frame->width(); ++x) {
+      if (rgb(frame, x, y) != screen[std::size_t(y) * display.width + x]) return false;
+    }
+  }
+  return true;
+}
+
+class X11CaptureTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    ASSERT_EQ(shell(std::string(ORLET_SOURCE_DIR) + "/scripts/xsession.sh start " + displayName +
+                    " --no-wm"),
+              0);
+  }
+  static void TearDownTestSuite() {
+    shell(std::string(ORLET_SOURCE_DIR) + "/scripts/xsession.sh stop " + displayName);
+  }
+
+  void SetUp() override {
+    displays.refresh();
+    ASSERT_TRUE(scheduler.pumpUntil([&] { return !displays.isLoading.get(); }, patience));
+    ASSERT_EQ(displays.displays->size(), 2u);
+    primary = displays.displays->at(0);
+    secondary = displays.displays->at(1);
+  }
+
+  test::LoopScheduler scheduler;
+  std::unique_ptr<linux_capture::X11CaptureService> service =
+      std::make_unique<linux_capture::X11CaptureService>(scheduler, displayName);
+  DisplayManager displays{scheduler, *service};
+  Painter painter;
+  Display primary;
+  Display secondary;
+};
+
+TEST_F(X11CaptureTest, ListsEachMonitorOnceWithTheRandrPrimaryFirst) {
+  EXPECT_TRUE(primary.isMain);
+  EXPECT_EQ(primary.frame, (Rect{0, 0, 1920, 1080}));
+  EXPECT_EQ(primary.width, 1920);
+  EXPECT_FALSE(secondary.isMain);
+  EXPECT_EQ(secondary.frame, (Rect{1920, 0, 2560, 1440}));
+  EXPECT_EQ(secondary.height, 1440);
+  EXPECT_NE(primary.displayID, secondary.displayID);
+  EXPECT_TRUE(displays.activeStreams().empty());
+}
+
+TEST_F(X11CaptureTest, FramesShowWhatWasDrawnOnTheirDisplayOnlyAndFollowChanges) {
+  const xcb_window_t window = painter.window(1920 + 100, 50, 300, 200, 0xFF8000);
+  VideoCaptureManager right(scheduler, *service);
+  VideoCaptureManager left(scheduler, *service);
+  right.startCapture(secondary);
+  left.startCapture(primary);
+  ASSERT_TRUE(scheduler.pumpUntil(
+      [&] {
+        return right.currentFrame.get() && rgb(right.currentFrame.get(), 250, 150) == 0xFF8000;
+      },
+      patience));
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return left.currentFrame.get() != nullptr; }, patience));
+  const FrameRef first = right.currentFrame.get();
+  EXPECT_EQ(first->width(), 2560);
+  EXPECT_EQ(first->height(), 1440);
+  EXPECT_EQ(rgb(first, 100, 50), 0xFF8000u);
+  EXPECT_EQ(rgb(first, 399, 249), 0xFF8000u);
+  EXPECT_NE(rgb(first, 400, 250), 0xFF8000u);
+  EXPECT_NE(rgb(left.currentFrame.get(), 100 + 1920 - 1920, 50), 0xFF8000u);
+  EXPECT_TRUE(sameAsScreen(left.currentFrame.get(), painter, primary));
+
+  // A small change arrives as a new frame; the frame the view holds does not change under it.
+  painter.fill(window, 10, 10, 16, 16, 0x0000FF);
+  ASSERT_TRUE(scheduler.pumpUntil(
+      [&] { return rgb(right.currentFrame.get(), 100 + 10, 50 + 10) == 0x0000FF; }, patience));
+  EXPECT_EQ(rgb(first, 110, 60), 0xFF8000u);
+  EXPECT_TRUE(sameAsScreen(right.currentFrame.get(), painter, secondary));
+
+  // Changes straddling both displays: each frame holds exactly its own part.
+  const xcb_window_t across = painter.window(1800, 600, 300, 100, 0x00C000);
+  ASSERT_TRUE(scheduler.pumpUntil(
+      [&] {
+        return rgb(right.currentFrame.get(), 0, 600) == 0x00C000 &&
+               rgb(left.currentFrame.get(), 1919, 699) == 0x00C000;
+      },
+      patience));
+  EXPECT_TRUE(sameAsScreen(right.currentFrame.get(), painter, secondary));
+  EXPECT_TRUE(sameAsScreen(left.currentFrame.get(), painter, primary));
+  painter.destroy(across);
+  painter.destroy(window);
+  right.stopCapture();
+  left.stopCapture();
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return !right.currentFrame.get(); }, patience));
+}
+
+TEST_F(X11CaptureTest, AnUnchangedScreenYieldsNoNewFrames) {
+  VideoCaptureManager capture(scheduler, *service);
+  int frames = 0;
+  auto counting = capture.currentFrame.observe([&](const FrameRef& f) { frames += f ? 1 : 0; });
+  capture.startCapture(secondary, 60);
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return frames == 1; }, patience));
+
+  scheduler.pumpUntil([] { return false; }, Seconds{0.5});
+  EXPECT_EQ(frames, 1);
+
+  // It is asleep, not dead: a change still comes through.
+  const xcb_window_t window = painter.window(1920 + 5, 5, 20, 20, 0x123456);
+  EXPECT_TRUE(scheduler.pumpUntil([&] { return frames == 2; }, patience));
+  painter.destroy(window);
+  capture.stopCapture();
+}
+
+TEST_F(X11CaptureTest, SwitchingADisplayOffEndsItsStreamAndTheNextRefreshDropsIt) {
+  std::shared_ptr<CaptureStream> stream =
+      service->makeStream(secondary, VideoCaptureManager::configurationFor(secondary, 30));
+  std::optional<CaptureError> ended;
+  int samples = 0;
+  class Counter final : public CaptureStreamOutput {
+   public:
+    explicit Counter(int& n) : n_(n) {}
+    void didOutputSampleBuffer(CaptureStream&, const SampleBuffer&, StreamOutputType) override {
+      ++n_;
+    }
+    int& n_;
+  };
+  ASSERT_FALSE(
+      stream->addStreamOutput(std::make_shared<Counter>(samples), StreamOutputType::screen));
+  stream->setDidStopWithError([&](CaptureError error) { ended = error; });
+  stream->startCapture([](std::optional<CaptureError> error) { ASSERT_FALSE(error); });
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return samples > 0; }, patience));
+
+  ASSERT_EQ(shell("xrandr --output DUMMY1 --off"), 0);
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return ended.has_value(); }, patience));
+  std::optional<CaptureError> stopError;
+  stream->stopCapture([&](std::optional<CaptureError> error) { stopError = error; });
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return stopError.has_value(); }, patience));
+  EXPECT_EQ(stopError->message, ended->message);
+
+  displays.refresh();
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return !displays.isLoading.get(); }, patience));
+  ASSERT_EQ(displays.displays->size(), 1u);
+  EXPECT_EQ(displays.displays->at(0).displayID, primary.displayID);
+
+  ASSERT_EQ(shell("xrandr --output DUMMY1 --mode 2560x1440_60 --pos 1920x0"), 0);
+}
+
+}  // namespace
+}  // namespace orlet

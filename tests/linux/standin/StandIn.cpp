@@ -1,0 +1,160 @@
+// A small application for the integration tests: one or more top-level windows with a chosen
+// WM_CLASS, title and place, which print what they receive so that tests can assert on it.
+//
+//   orlet_standin --class CaptureOne --title "Capture One 23" --geometry 800x600+100+100
+//                 [--palette 40x40+950+100] [--color 336699]
+//
+// stdout, one line each, flushed at once:
+//   window <main window id> [<palette id>]   once the windows are created
+//   click <button> <root x> <root y> <window id>
+//   key <keysym name or code>
+#include <unistd.h>
+#include <xcb/xcb.h>
+#include <xcb/xcb_ewmh.h>
+#include <xcb/xcb_icccm.h>
+#include <xcb/xcb_keysyms.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Options {
+  std::string instance = "standin";
+  std::string className = "StandIn";
+  std::string title = "Stand-in";
+  std::string geometry = "640x480+100+100";
+  std::string palette;  // a second, small window of the same application
+  std::uint32_t color = 0x506070;
+};
+
+struct Geometry {
+  int x = 0, y = 0;
+  unsigned width = 100, height = 100;
+};
+
+Geometry parseGeometry(const std::string& text) {
+  Geometry g;
+  std::sscanf(text.c_str(), "%ux%u+%d+%d", &g.width, &g.height, &g.x, &g.y);
+  return g;
+}
+
+Options parse(int argc, char** argv) {
+  Options o;
+  for (int i = 1; i + 1 < argc; i += 2) {
+    const std::string key = argv[i], value = argv[i + 1];
+    if (key == "--class") o.className = value;
+    if (key == "--instance") o.instance = value;
+    if (key == "--title") o.title = value;
+    if (key == "--geometry") o.geometry = value;
+    if (key == "--palette") o.palette = value;
+    if (key == "--color")
+      o.color = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
+  }
+  return o;
+}
+
+xcb_atom_t intern(xcb_connection_t* c, const char* name) {
+  auto* reply = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, std::strlen(name), name), nullptr);
+  xcb_atom_t atom = XCB_ATOM_NONE;
+  if (reply) atom = reply->atom;
+  std::free(reply);
+  return atom;
+}
+
+// Title, class, owner, protocols and a position of the user's choosing (ICCCM 4.1.2, USPosition),
+// as a regular application sets them.
+void describe(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_window_t w, const Options& o,
+              const Geometry& g) {
+  xcb_icccm_set_wm_name(c, w, XCB_ATOM_STRING, 8, o.title.size(), o.title.c_str());
+  xcb_ewmh_set_wm_name(&ewmh, w, o.title.size(), o.title.c_str());
+  const std::string wmClass = o.instance + '\0' + o.className + '\0';
+  xcb_icccm_set_wm_class(c, w, wmClass.size(), wmClass.c_str());
+  xcb_ewmh_set_wm_pid(&ewmh, w, static_cast<std::uint32_t>(getpid()));
+  char host[256] = {};
+  gethostname(host, sizeof host - 1);
+  xcb_icccm_set_wm_client_machine(c, w, XCB_ATOM_STRING, 8, std::strlen(host), host);
+  xcb_atom_t protocols[] = {intern(c, "WM_DELETE_WINDOW")};
+  xcb_icccm_set_wm_protocols(c, w, ewmh.WM_PROTOCOLS, 1, protocols);
+  xcb_icccm_wm_hints_t hints{};
+  xcb_icccm_wm_hints_set_input(&hints, 1);
+  xcb_icccm_wm_hints_set_normal(&hints);
+  xcb_icccm_set_wm_hints(c, w, &hints);
+  xcb_size_hints_t size{};
+  xcb_icccm_size_hints_set_position(&size, 1, g.x, g.y);
+  xcb_icccm_size_hints_set_size(&size, 1, g.width, g.height);
+  xcb_icccm_set_wm_normal_hints(c, w, &size);
+}
+
+xcb_window_t open(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_screen_t* screen,
+                  const Options& o, const std::string& geometry) {
+  const Geometry g = parseGeometry(geometry);
+  const xcb_window_t w = xcb_generate_id(c);
+  const std::uint32_t values[] = {o.color, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_KEY_PRESS |
+                                               XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+  xcb_create_window(c, XCB_COPY_FROM_PARENT, w, screen->root, static_cast<std::int16_t>(g.x),
+                    static_cast<std::int16_t>(g.y), static_cast<std::uint16_t>(g.width),
+                    static_cast<std::uint16_t>(g.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                    screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
+  describe(c, ewmh, w, o, g);
+  xcb_map_window(c, w);
+  return w;
+}
+
+void report(const char* format, auto... args) {
+  std::printf(format, args...);
+  std::putchar('\n');
+  std::fflush(stdout);
+}
+
+void run(xcb_connection_t* c, xcb_key_symbols_t* keys, xcb_atom_t deleteWindow) {
+  while (xcb_generic_event_t* event = xcb_wait_for_event(c)) {
+    const auto type = event->response_type & 0x7f;
+    if (type == XCB_BUTTON_PRESS) {
+      const auto* e = reinterpret_cast<xcb_button_press_event_t*>(event);
+      report("click %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
+    } else if (type == XCB_KEY_PRESS) {
+      const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
+      report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
+    } else if (type == XCB_CLIENT_MESSAGE &&
+               reinterpret_cast<xcb_client_message_event_t*>(event)->data.data32[0] ==
+                   deleteWindow) {
+      std::free(event);
+      return;
+    }
+    std::free(event);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const Options options = parse(argc, argv);
+  int screenNumber = 0;
+  xcb_connection_t* c = xcb_connect(nullptr, &screenNumber);
+  if (xcb_connection_has_error(c)) {
+    std::fprintf(stderr, "orlet_standin: cannot connect to the X server\n");
+    return 1;
+  }
+  xcb_ewmh_connection_t ewmh;
+  xcb_ewmh_init_atoms_replies(&ewmh, xcb_ewmh_init_atoms(c, &ewmh), nullptr);
+  xcb_screen_t* screen = ewmh.screens[screenNumber];
+  const xcb_window_t main = open(c, ewmh, screen, options, options.geometry);
+  const xcb_window_t palette =
+      options.palette.empty() ? XCB_NONE : open(c, ewmh, screen, options, options.palette);
+  xcb_flush(c);
+  if (palette != XCB_NONE) {
+    report("window 0x%x 0x%x", main, palette);
+  } else {
+    report("window 0x%x", main);
+  }
+  xcb_key_symbols_t* keys = xcb_key_symbols_alloc(c);
+  run(c, keys, intern(c, "WM_DELETE_WINDOW"));
+  xcb_key_symbols_free(keys);
+  xcb_ewmh_connection_wipe(&ewmh);
+  xcb_disconnect(c);
+  return 0;
+}

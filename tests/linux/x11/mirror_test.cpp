@@ -1,0 +1,87 @@
+#include "OrletHarness.h"
+
+namespace orlet::x11test {
+namespace {
+
+// Where `window` is in the visible stacking order, bottom to top; -1 when it is not shown.
+int levelOf(XProbe& x, xcb_window_t window) {
+  const auto stacking = x.visibleStacking();
+  const auto it = std::find(stacking.begin(), stacking.end(), window);
+  return it == stacking.end() ? -1 : static_cast<int>(it - stacking.begin());
+}
+
+class MirrorTest : public OrletTest {
+ protected:
+  WindowRect showMirror() {
+    click(centreOf(rectOf(button())));
+    EXPECT_TRUE(eventually([&] { return isShown(mirror()); }));
+    return mirror() ? rectOf(*mirror()) : WindowRect{};
+  }
+  // The pin button: 22 x 22, 8 from the top-right corner.
+  Spot pinButton(const WindowRect& m) { return {m.x + m.width - 8 - 11, m.y + 8 + 11}; }
+  bool directlyAboveEditor() {
+    const int editor = levelOf(*x_, editorWindow_);
+    return editor >= 0 && levelOf(*x_, *mirror()) == editor + 1;
+  }
+};
+
+// A click on the button shows the mirror beside it, top edges aligned, and a second click hides
+// it; neither those clicks nor one on the mirror take the keyboard from the editor.
+TEST_F(MirrorTest, ButtonTogglesTheMirrorAndTheEditorKeepsTheFocus) {
+  startOrlet();
+  const auto b = rectOf(button());
+  const auto m = showMirror();
+  EXPECT_EQ(m, (WindowRect{b.x + b.width, b.y, 900, 600}));
+  EXPECT_GT(levelOf(*x_, *mirror()), levelOf(*x_, editorWindow_));
+  EXPECT_TRUE(editorReceivesKey("a", "0x61"));
+  EXPECT_EQ(x_->activeWindow(), editorWindow_);
+
+  click({m.x + 100, m.y + 300});
+  EXPECT_TRUE(editorReceivesKey("b", "0x62"));
+  EXPECT_EQ(x_->activeWindow(), editorWindow_);
+  EXPECT_EQ(editor_->output().find("click"), std::string::npos) << editor_->output();
+
+  click(centreOf(b));
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
+  EXPECT_TRUE(editorReceivesKey("c", "0x63"));
+  EXPECT_EQ(x_->activeWindow(), editorWindow_);
+}
+
+// Pinned, the mirror stays directly above the editor's main window, the palette between them
+// included, and behind whichever application comes forward; unpinned, any other application
+// hides it.
+TEST_F(MirrorTest, PinnedMirrorFollowsTheEditorInTheStack) {
+  startOrlet();
+  const auto m = showMirror();
+  click(pinButton(m));
+  ASSERT_TRUE(eventually([&] { return settingIs("secondaryWindowPinned", "true"); }));
+  EXPECT_TRUE(eventually([&] { return x_->hasState(*mirror(), x_->ewmh()._NET_WM_STATE_ABOVE); }));
+
+  raise(paletteWindow_);
+  ASSERT_TRUE(
+      eventually([&] { return levelOf(*x_, paletteWindow_) > levelOf(*x_, editorWindow_); }));
+  activate(otherWindow_);
+  EXPECT_TRUE(eventually([&] { return directlyAboveEditor(); }));
+  EXPECT_GT(levelOf(*x_, otherWindow_), levelOf(*x_, *mirror()));
+  EXPECT_GT(levelOf(*x_, paletteWindow_), levelOf(*x_, *mirror()));
+  EXPECT_FALSE(x_->hasState(*mirror(), x_->ewmh()._NET_WM_STATE_ABOVE));
+
+  activate(editorWindow_);
+  EXPECT_TRUE(eventually([&] {
+    return directlyAboveEditor() && levelOf(*x_, otherWindow_) < levelOf(*x_, *mirror());
+  }));
+  EXPECT_TRUE(x_->hasState(*mirror(), x_->ewmh()._NET_WM_STATE_ABOVE));
+
+  click(pinButton(m));  // unpinned while the editor is in front: hidden at once
+  ASSERT_TRUE(eventually([&] { return settingIs("secondaryWindowPinned", "false"); }));
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
+  showMirror();
+  activate(otherWindow_);
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
+  activate(editorWindow_);
+  EXPECT_TRUE(eventually([&] { return isShown(button()); }));
+  EXPECT_FALSE(isShown(mirror()));
+}
+
+}  // namespace
+}  // namespace orlet::x11test

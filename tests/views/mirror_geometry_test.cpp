@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "support/GeometryPrinters.h"
+#include "views/MirrorGeometry.h"
+
+namespace orlet {
+namespace {
+
+TEST(MirrorGeometry, PictureIsTheAspectFitOfTheDisplay) {
+  EXPECT_EQ(mirrorPictureRect({1920, 1080}, {400, 300}), (Rect{0, 37.5, 400, 225}));
+  EXPECT_EQ(mirrorPictureRect({3440, 1440}, {600, 400}).height, 600 / (3440.0 / 1440.0));
+  EXPECT_EQ(mirrorPictureRect({1080, 1920}, {900, 600}), (Rect{281.25, 0, 337.5, 600}));
+}
+
+TEST(MirrorGeometry, RelativePointIgnoresTheLetterboxBands) {
+  const Rect picture = mirrorPictureRect({1920, 1080}, {400, 300});
+  struct Case {
+    Point view;
+    std::optional<Point> relative;
+  };
+  const Case cases[] = {
+      {{200, 37.5}, Point{0.5, 0.0}}, {{0, 150}, Point{0.0, 0.5}},
+      {{200, 20}, std::nullopt},     // band above
+      {{200, 262.5}, std::nullopt},  // bottom edge coordinate is outside
+      {{400, 150}, std::nullopt},    // right edge coordinate is outside
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(relativePointInPicture(picture, c.view), c.relative) << c.view.x << "," << c.view.y;
+  }
+  EXPECT_EQ(relativePointInPicture(Rect{}, {0, 0}), std::nullopt);
+}
+
+TEST(MirrorGeometry, RelativeAndGlobalPointsRoundTripOnEveryArrangement) {
+  struct Case {
+    Rect bounds;
+    Point relative;
+    Point global;
+  };
+  const Case cases[] = {
+      {{1920, 0, 2560, 1440}, {0.5, 0.5}, {3200, 720}},
+      {{0, -1080, 1920, 1080}, {0, 0}, {0, -1080}},       // above the main display
+      {{-1280, 0, 1280, 1024}, {0.25, 1}, {-960, 1024}},  // left of it
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(globalPoint(c.bounds, c.relative), c.global);
+    EXPECT_EQ(relativePoint(c.bounds, c.global), c.relative);
+  }
+}
+
+TEST(MirrorGeometry, LastPointOfTheMiniatureLandsOnTheLastPixelOfTheDisplay) {
+  const Rect display{1920, -200, 2560, 1440};
+  const Rect picture = mirrorPictureRect(display.size(), {400, 300});
+  const auto last = relativePointInPicture(picture, {399.999, picture.maxY() - 0.001});
+  ASSERT_TRUE(last.has_value());
+  EXPECT_EQ(displayPixel(display, *last), (Point{4479, 1239}));
+  EXPECT_EQ(displayPixel(display, {1.0, 1.0}), (Point{4479, 1239}));  // never one past
+  EXPECT_EQ(displayPixel(display, {0, 0}), (Point{1920, -200}));
+  EXPECT_EQ(displayPixel(display, {0.5, 0.5}), (Point{3200, 520}));
+}
+
+TEST(MirrorGeometry, CursorHotSpotSitsOnThePointersSpotAtTheRealCursorSize) {
+  const Rect display{0, 0, 1920, 1080};
+  const Size view{400, 300};
+  const CursorSample centre{{32, 32}, {4, 6}, {960, 540}};
+  EXPECT_EQ(cursorFrame(display, view, centre), (Rect{196, 144, 32, 32}));
+  EXPECT_EQ(cursorFrame(display, view, centre, 2.0), (Rect{192, 138, 64, 64}));
+
+  // The display to the right of the main one, pointer at its top-left pixel.
+  const Rect second{1920, 0, 2560, 1440};
+  EXPECT_EQ(cursorFrame(second, {1280, 720}, {{24, 24}, {0, 0}, {1920, 0}}), (Rect{0, 0, 24, 24}));
+}
+
+TEST(MirrorGeometry, NoCursorOffTheDisplayOrWithoutAnImage) {
+  const Rect display{0, 0, 1920, 1080};
+  const Size view{400, 300};
+  const Point outside[] = {{1920, 540}, {960, 1080}, {-1, 540}, {960, -0.5}};
+  for (const auto& p : outside) {
+    EXPECT_EQ(cursorFrame(display, view, {{32, 32}, {0, 0}, p}), std::nullopt) << p.x << "," << p.y;
+  }
+  EXPECT_EQ(cursorFrame(display, view, {{0, 0}, {0, 0}, {960, 540}}), std::nullopt);
+  EXPECT_EQ(cursorFrame(display, {0, 300}, {{32, 32}, {0, 0}, {960, 540}}), std::nullopt);
+}
+
+}  // namespace
+}  // namespace orlet
