@@ -1,0 +1,100 @@
+#include "capture/DisplayManager.h"
+
+#include <algorithm>
+
+#include "capture/AsyncFilter.h"
+#include "capture/StreamOutput.h"
+
+namespace orlet {
+
+DisplayManager::DisplayManager(Scheduler& scheduler, CaptureService& service)
+    : scheduler_(scheduler), service_(service) {}
+
+void DisplayManager::sortMainFirst(std::vector<Display>& list) {
+  std::stable_sort(list.begin(), list.end(),
+                   [](const Display& a, const Display& b) { return a.isMain && !b.isMain; });
+}
+
+void DisplayManager::refresh() {
+  if (isLoading.get()) return;
+  isLoading.set(true);
+  service_.shareableContent(lifetime_.guard(
+      [this](std::optional<ShareableContent> content, std::optional<CaptureError> error) {
+        if (error) {
+          isLoading.set(false);  // keep the previous list; failures stay silent
+          return;
+        }
+        auto candidates = content ? std::move(content->displays) : std::vector<Display>{};
+        asyncFilter<Display>(
+            std::move(candidates),
+            [this](const Display& display, std::function<void(bool)> resume) {
+              validate(display, std::move(resume));
+            },
+            lifetime_.guard([this](std::vector<Display> kept) { publish(std::move(kept)); }));
+      }));
+}
+
+void DisplayManager::publish(std::vector<Display> kept) {
+  sortMainFirst(kept);
+  displays.set(std::move(kept));
+  isLoading.set(false);
+}
+
+void DisplayManager::validate(const Display& display, std::function<void(bool)> completion) {
+  StreamConfiguration configuration;
+  configuration.width = display.width;
+  configuration.height = display.height;
+  configuration.pixelFormat = pixelFormatBGRA;
+  auto stream = service_.makeStream(display, configuration);
+  activeStreams_.push_back(stream);
+  Finish finish = [this, stream, completion = std::move(completion)](bool valid) {
+    completion(valid);
+    forget(stream);
+  };
+  // The test runs as its own task, from the next turn on.
+  scheduler_.async(lifetime_.guard([this, stream, finish] { runValidation(stream, finish); }));
+}
+
+void DisplayManager::runValidation(const std::shared_ptr<CaptureStream>& stream,
+                                   const Finish& finish) {
+  auto gotPicture = std::make_shared<bool>(false);
+  // One-shot: only the first screen sample counts, so a first sample without a picture fails
+  // the display even if later ones carry pictures.
+  auto output = std::make_shared<StreamOutput>(true, [gotPicture](const SampleBuffer& sample) {
+    if (sample.imageBuffer) *gotPicture = true;
+  });
+  if (stream->addStreamOutput(output, StreamOutputType::screen)) {
+    finish(false);
+    return;
+  }
+  stream->startCapture(
+      lifetime_.guard([this, stream, gotPicture, finish](std::optional<CaptureError> error) {
+        if (error) {
+          finish(false);
+          return;
+        }
+        scheduler_.after(testPeriod, lifetime_.guard([this, stream, gotPicture, finish] {
+          endTestPeriod(stream, gotPicture, finish);
+        }));
+      }));
+}
+
+void DisplayManager::endTestPeriod(const std::shared_ptr<CaptureStream>& stream,
+                                   const std::shared_ptr<bool>& gotPicture, const Finish& finish) {
+  // A stream already stopped by stopAll() fails here, so its display is dropped.
+  stream->stopCapture(lifetime_.guard(
+      [gotPicture, finish](std::optional<CaptureError> error) { finish(!error && *gotPicture); }));
+}
+
+void DisplayManager::stopAll() {
+  for (const auto& stream : activeStreams_) {
+    stream->stopCapture([](std::optional<CaptureError>) {});
+  }
+  activeStreams_.clear();
+}
+
+void DisplayManager::forget(const std::shared_ptr<CaptureStream>& stream) {
+  std::erase_if(activeStreams_, [&](const auto& s) { return s == stream; });
+}
+
+}  // namespace orlet

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "foundation/Lifetime.h"
+#include "foundation/Observable.h"
+#include "foundation/Scheduler.h"
+#include "platform/CaptureService.h"
+
+namespace orlet {
+
+// The catalogue of displays that really deliver pictures, main display first. Owned by the
+// display selector and shared with its previews. Main thread only.
+class DisplayManager {
+ public:
+  // How long a test capture may take to deliver its first picture.
+  static constexpr Seconds testPeriod{0.1};
+
+  DisplayManager(Scheduler& scheduler, CaptureService& service);
+  DisplayManager(const DisplayManager&) = delete;
+  DisplayManager& operator=(const DisplayManager&) = delete;
+
+  Published<std::vector<Display>> displays;  // validated displays, main first
+  Published<bool> isLoading{false};          // a refresh is running
+  Published<bool> hasPermission{false};      // written by the selector
+
+  // Lists the service's displays, keeps those whose test capture delivers a picture (one at a
+  // time, in the service's order) and publishes them main first. Does nothing while a refresh
+  // runs. When the list cannot be had, only isLoading returns to false.
+  void refresh();
+
+  // Runs a test capture of `display` for testPeriod; `completion` gets whether its first screen
+  // sample carried a picture and the capture started and stopped without error.
+  void validate(const Display& display, std::function<void(bool)> completion);
+
+  // Stops every running test capture without waiting; each of those validations fails.
+  void stopAll();
+
+  // The test streams of validations that have not finished.
+  const std::vector<std::shared_ptr<CaptureStream>>& activeStreams() const {
+    return activeStreams_;
+  }
+
+  // Stable: the main display first, every other display in its given order.
+  static void sortMainFirst(std::vector<Display>& list);
+
+ private:
+  using Finish = std::function<void(bool)>;
+  void runValidation(const std::shared_ptr<CaptureStream>& stream, const Finish& finish);
+  void endTestPeriod(const std::shared_ptr<CaptureStream>& stream,
+                     const std::shared_ptr<bool>& gotPicture, const Finish& finish);
+  void publish(std::vector<Display> kept);
+  void forget(const std::shared_ptr<CaptureStream>& stream);
+
+  Scheduler& scheduler_;
+  CaptureService& service_;
+  std::vector<std::shared_ptr<CaptureStream>> activeStreams_;
+  Lifetime lifetime_;
+};
+
+}  // namespace orlet

@@ -1,0 +1,64 @@
+#include "capture/VideoCaptureManager.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace orlet {
+
+VideoCaptureManager::VideoCaptureManager(Scheduler& scheduler, CaptureService& service)
+    : scheduler_(scheduler), service_(service) {}
+
+StreamConfiguration VideoCaptureManager::configurationFor(const Display& display,
+                                                          std::int64_t fps) {
+  // A frame rate that does not fit the interval's 32-bit timescale is a caller's bug: stop here
+  // rather than capture at a wrapped rate. Checked in every build, not only with asserts on.
+  if (fps < std::numeric_limits<std::int32_t>::min() ||
+      fps > std::numeric_limits<std::int32_t>::max()) {
+    std::fprintf(stderr, "VideoCaptureManager: fps %lld does not fit 32 bits\n",
+                 static_cast<long long>(fps));
+    std::abort();
+  }
+  StreamConfiguration configuration;
+  configuration.width = display.width;
+  configuration.height = display.height;
+  configuration.pixelFormat = pixelFormatBGRA;
+  configuration.showsCursor = false;  // the mirror draws the pointer itself
+  configuration.minimumFrameInterval = MediaTime{1, static_cast<std::int32_t>(fps)};
+  return configuration;
+}
+
+void VideoCaptureManager::startCapture(const Display& display, std::int64_t fps) {
+  if (stream_) return;
+  const auto configuration = configurationFor(display, fps);
+  output_ = std::make_shared<StreamOutput>(
+      lifetime_.guard([this](const SampleBuffer& sample) { convert(sample); }));
+  stream_ = service_.makeStream(display, configuration);
+  // Attaching and starting run one turn later, so a stop in this turn cancels them.
+  scheduler_.async(lifetime_.guard([this] { attachAndStart(); }));
+}
+
+void VideoCaptureManager::attachAndStart() {
+  if (!output_ || !stream_) return;
+  // Failures leave the view on its loading state; nothing to report.
+  (void)stream_->addStreamOutput(output_, StreamOutputType::screen);
+  stream_->startCapture([](std::optional<CaptureError>) {});
+}
+
+void VideoCaptureManager::convert(const SampleBuffer& sample) {
+  if (!sample.imageBuffer) return;
+  scheduler_.async(
+      lifetime_.guard([this, frame = sample.imageBuffer] { currentFrame.set(frame); }));
+}
+
+void VideoCaptureManager::stopCapture() {
+  if (!stream_) return;
+  auto stream = std::move(stream_);
+  stream_ = nullptr;
+  stream->stopCapture(lifetime_.guard([this](std::optional<CaptureError>) {
+    output_ = nullptr;
+    currentFrame.set(nullptr);
+  }));
+}
+
+}  // namespace orlet

@@ -1,0 +1,182 @@
+#include "capture/VideoCaptureManager.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+#include "support/FakeCaptureService.h"
+#include "support/VirtualScheduler.h"
+
+namespace orlet {
+namespace {
+
+class VideoCaptureManagerTest : public ::testing::Test {
+ protected:
+  VideoCaptureManagerTest() {
+    // Streams deliver only what each test sends.
+    service.samples[left.displayID] = {};
+    service.samples[right.displayID] = {};
+  }
+  test::FakeCaptureStream& stream(std::size_t i) { return *service.streams.at(i); }
+
+  test::VirtualScheduler scheduler;
+  test::FakeCaptureService service{scheduler};
+  Display left = test::makeDisplay(1, 4, 3, 0, true);
+  Display right = test::makeDisplay(2, 8, 6, 4);
+  std::unique_ptr<VideoCaptureManager> manager =
+      std::make_unique<VideoCaptureManager>(scheduler, service);
+};
+
+TEST_F(VideoCaptureManagerTest, StreamsTheWholeDisplayAtTheRequestedRateWithoutCursor) {
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+  EXPECT_TRUE(stream(0).isRunning());
+  EXPECT_EQ(stream(0).display(), left);
+  const auto& configuration = stream(0).configuration();
+  EXPECT_EQ(configuration.width, 4);
+  EXPECT_EQ(configuration.height, 3);
+  EXPECT_EQ(configuration.pixelFormat, 0x42475241u);
+  EXPECT_FALSE(configuration.showsCursor);
+  EXPECT_EQ(configuration.minimumFrameInterval, (MediaTime{1, 30}));
+
+  EXPECT_EQ(VideoCaptureManager::configurationFor(left, 60).minimumFrameInterval,
+            (MediaTime{1, 60}));
+  EXPECT_DOUBLE_EQ(
+      VideoCaptureManager::configurationFor(left, 60).minimumFrameInterval.seconds().count(),
+      1.0 / 60);
+}
+
+TEST_F(VideoCaptureManagerTest, PublishesEachPictureOneTurnAfterItsSampleAndDropsEmptySamples) {
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+
+  const FrameRef first = stream(0).deliver();
+  FrameRef seenOneTurnLater = service.makeFrame(1, 1);
+  // Queued right behind the sample: it runs after the sample was handled, before publication.
+  scheduler.async([&] { seenOneTurnLater = manager->currentFrame.get(); });
+  scheduler.runUntilIdle();
+  EXPECT_EQ(seenOneTurnLater, nullptr);
+  EXPECT_EQ(manager->currentFrame.get(), first);
+  EXPECT_EQ(first->width(), 4);
+  EXPECT_EQ(first->height(), 3);
+
+  stream(0).deliver(false);
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), first);
+
+  const FrameRef second = stream(0).deliver();
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), second);
+}
+
+TEST_F(VideoCaptureManagerTest, ASecondStartChangesNothingEvenForAnotherDisplay) {
+  manager->startCapture(left);
+  manager->startCapture(right, 60);
+  scheduler.runUntilIdle();
+  manager->startCapture(right);
+  scheduler.runUntilIdle();
+
+  ASSERT_EQ(service.streams.size(), 1u);
+  EXPECT_EQ(stream(0).display(), left);
+  EXPECT_EQ(stream(0).configuration().minimumFrameInterval, (MediaTime{1, 30}));
+}
+
+TEST_F(VideoCaptureManagerTest, StopReleasesTheStreamAtOnceAndClearsThePictureWhenItCompletes) {
+  manager->stopCapture();  // nothing held: nothing happens
+  scheduler.runUntilIdle();
+  EXPECT_TRUE(service.streams.empty());
+
+  service.stopLatency = Seconds{0.5};
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+  const FrameRef shown = stream(0).deliver();
+  scheduler.runUntilIdle();
+
+  manager->stopCapture();
+  EXPECT_FALSE(manager->isCapturing());
+  EXPECT_FALSE(stream(0).isRunning());
+  scheduler.advance(Seconds{0.4});
+  EXPECT_EQ(manager->currentFrame.get(), shown);  // stopping: the last picture stays
+  scheduler.advance(Seconds{0.1});
+  EXPECT_EQ(manager->currentFrame.get(), nullptr);
+}
+
+TEST_F(VideoCaptureManagerTest, ALateStopClearsTheNewCapturesPictureUntilItsNextFrame) {
+  service.stopLatency = Seconds{0.5};
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+
+  manager->stopCapture();
+  manager->startCapture(right);
+  scheduler.runUntilIdle();
+  ASSERT_EQ(service.streams.size(), 2u);
+  EXPECT_TRUE(stream(1).isRunning());
+  const FrameRef fromNew = stream(1).deliver();
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), fromNew);
+
+  scheduler.advance(Seconds{0.5});  // the old stop completes
+  EXPECT_EQ(manager->currentFrame.get(), nullptr);
+  EXPECT_TRUE(manager->isCapturing());
+
+  // The new stream kept its output, so its next frame is shown again.
+  const FrameRef next = stream(1).deliver();
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), next);
+}
+
+TEST_F(VideoCaptureManagerTest, AStopInTheSameTurnAsTheStartNeverStartsTheStream) {
+  manager->startCapture(left);
+  manager->stopCapture();
+  scheduler.runUntilIdle();
+
+  ASSERT_EQ(service.streams.size(), 1u);
+  EXPECT_FALSE(stream(0).isRunning());
+  stream(0).deliver();
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), nullptr);
+}
+
+TEST_F(VideoCaptureManagerTest, FailuresToAttachOrStartLeaveItWaitingWithoutPicture) {
+  service.failures[left.displayID] = {.addOutput = true, .start = true};
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+  EXPECT_TRUE(manager->isCapturing());
+  EXPECT_FALSE(stream(0).isRunning());
+  EXPECT_EQ(manager->currentFrame.get(), nullptr);
+
+  manager->stopCapture();  // the stop's error is ignored; a new start works
+  scheduler.runUntilIdle();
+  service.failures.clear();
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+  const FrameRef frame = stream(1).deliver();
+  scheduler.runUntilIdle();
+  EXPECT_EQ(manager->currentFrame.get(), frame);
+}
+
+TEST_F(VideoCaptureManagerTest, SamplesAndStopsAfterTheManagerIsGoneAreHarmless) {
+  service.stopLatency = Seconds{0.2};
+  manager->startCapture(left);
+  scheduler.runUntilIdle();
+  stream(0).deliver();
+  manager->stopCapture();
+  manager.reset();
+  scheduler.advance(Seconds{1});
+  EXPECT_FALSE(stream(0).isRunning());
+}
+
+TEST(VideoCaptureManagerDeathTest, AFrameRateBeyond32BitsStopsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const Display display = test::makeDisplay(1, 4, 3);
+  EXPECT_DEATH(VideoCaptureManager::configurationFor(
+                   display, std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1),
+               "fps");
+  EXPECT_DEATH(VideoCaptureManager::configurationFor(
+                   display, std::int64_t{std::numeric_limits<std::int32_t>::min()} - 1),
+               "fps");
+}
+
+}  // namespace
+}  // namespace orlet
