@@ -1,13 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Subscription.h"
 
 namespace orlet {
@@ -28,7 +26,7 @@ class NotificationCenter {
  public:
   using Handler = std::function<void()>;
 
-  NotificationCenter();
+  NotificationCenter() = default;
   NotificationCenter(const NotificationCenter&) = delete;
   NotificationCenter& operator=(const NotificationCenter&) = delete;
 
@@ -37,15 +35,7 @@ class NotificationCenter {
   std::size_t observerCount(std::string_view name) const;
 
  private:
-  struct Entry {
-    std::uint64_t id;
-    std::shared_ptr<Handler> handler;
-  };
-  struct Registry {
-    std::map<std::string, std::vector<Entry>, std::less<>> entries;
-    std::uint64_t nextId = 1;
-  };
-  std::shared_ptr<Registry> registry_;
+  std::map<std::string, HandlerList<>, std::less<>> observers_;
 };
 
 }  // namespace orlet

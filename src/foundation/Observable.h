@@ -1,12 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <memory>
 #include <utility>
-#include <vector>
 
-#include "foundation/Subscription.h"
+#include "foundation/HandlerList.h"
 
 namespace orlet {
 
@@ -27,42 +24,17 @@ class Published {
   const T* operator->() const { return &value_; }
 
   void set(T newValue) {
-    const auto snapshot = observers_->list;
-    for (const auto& entry : snapshot) {
-      if (isRegistered(entry.id)) (*entry.observer)(newValue);
-    }
+    observers_.call(newValue);
     value_ = std::move(newValue);
   }
 
   [[nodiscard]] Subscription observe(Observer observer) {
-    const auto id = observers_->nextId++;
-    observers_->list.push_back({id, std::make_shared<Observer>(std::move(observer))});
-    return Subscription([weak = std::weak_ptr<Observers>(observers_), id] {
-      if (auto observers = weak.lock()) {
-        std::erase_if(observers->list, [id](const Entry& e) { return e.id == id; });
-      }
-    });
+    return observers_.add(std::move(observer));
   }
 
  private:
-  struct Entry {
-    std::uint64_t id;
-    std::shared_ptr<Observer> observer;
-  };
-  struct Observers {
-    std::vector<Entry> list;
-    std::uint64_t nextId = 1;
-  };
-
-  bool isRegistered(std::uint64_t id) const {
-    for (const auto& e : observers_->list) {
-      if (e.id == id) return true;
-    }
-    return false;
-  }
-
   T value_{};
-  std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
+  HandlerList<const T&> observers_;
 };
 
 }  // namespace orlet

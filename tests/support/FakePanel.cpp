@@ -70,7 +70,10 @@ Subscription FakePanel::observe(PanelEvent event, std::function<void()> handler)
 
 Subscription FakePanel::addMouseMonitor(
     std::function<EventDisposition(const MouseEvent&)> monitor) {
-  return monitors_.add(std::move(monitor));
+  return monitors_.add(
+      [monitor = std::move(monitor)](const MouseEvent& event, EventDisposition& disposition) {
+        if (disposition == EventDisposition::pass) disposition = monitor(event);
+      });
 }
 
 std::unique_ptr<PanelButton> FakePanel::addButton(const PanelButtonConfig& config) {
@@ -89,10 +92,9 @@ void FakePanel::userResize(Size size) {
 }
 
 EventDisposition FakePanel::send(const MouseEvent& event) {
-  for (const auto& monitor : monitors_.snapshot()) {
-    if ((*monitor)(event) == EventDisposition::swallow) return EventDisposition::swallow;
-  }
-  return EventDisposition::pass;
+  auto disposition = EventDisposition::pass;
+  monitors_.call(event, disposition);
+  return disposition;
 }
 
 EventDisposition FakePanel::send(MouseEventType type, Point screenLocation) {
@@ -114,7 +116,7 @@ void FakePanel::emit(PanelEvent event) {
   auto& list = event == PanelEvent::willMove  ? willMove_
                : event == PanelEvent::didMove ? didMove_
                                               : didResize_;
-  for (const auto& handler : list.snapshot()) (*handler)();
+  list.call();
 }
 
 }  // namespace orlet::test

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
+#include "foundation/HandlerList.h"
 #include "platform/Panel.h"
-#include "support/FakeHandlerList.h"
 #include "support/FakePanelButton.h"
 #include "support/FakeWindowServer.h"
 
@@ -61,8 +61,8 @@ class FakePanel final : public Panel {
   WindowNumber number_;
   bool miniaturized_ = false;
   Color backgroundColor_ = Color::white();
-  FakeHandlerList<void()> willMove_, didMove_, didResize_;
-  FakeHandlerList<EventDisposition(const MouseEvent&)> monitors_;
+  HandlerList<> willMove_, didMove_, didResize_;
+  HandlerList<const MouseEvent&, EventDisposition&> monitors_;
   std::vector<std::shared_ptr<FakePanelButton>> buttons_;
   std::function<void()> onDestroyed_;
 };

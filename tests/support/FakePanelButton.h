@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "foundation/HandlerList.h"
 #include "platform/Panel.h"
-#include "support/FakeHandlerList.h"
 
 namespace orlet::test {
 
@@ -19,9 +19,7 @@ class FakePanelButton {
   const std::string& symbol() const { return symbol_; }
   ButtonTint tint() const { return tint_; }
 
-  void click() const {
-    for (const auto& handler : clicks_.snapshot()) (*handler)();
-  }
+  void click() const { clicks_.call(); }
 
   // For the PanelButton handed to the panel's owner.
   void setHidden(bool hidden) { hidden_ = hidden; }
@@ -36,7 +34,7 @@ class FakePanelButton {
   bool hidden_;
   std::string symbol_;
   ButtonTint tint_;
-  FakeHandlerList<void()> clicks_;
+  HandlerList<> clicks_;
 };
 
 }  // namespace orlet::test

@@ -21,7 +21,7 @@ void FakeWorkspace::clearFront() {
 }
 
 void FakeWorkspace::notifyDidActivate() const {
-  for (const auto& handler : didActivate_.snapshot()) (*handler)();
+  didActivate_.call();
 }
 
 }  // namespace orlet::test

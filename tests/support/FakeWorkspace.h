@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/HandlerList.h"
 #include "platform/Workspace.h"
-#include "support/FakeHandlerList.h"
 #include "support/FakeWindowServer.h"
 
 namespace orlet::test {
@@ -43,7 +43,7 @@ class FakeWorkspace final : public Workspace {
   std::vector<RunningApplication> running_;
   std::optional<RunningApplication> front_;
   std::optional<std::string> ourIdentifier_;
-  FakeHandlerList<void()> didActivate_;
+  HandlerList<> didActivate_;
 };
 
 }  // namespace orlet::test

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <functional>
 
-#include "linux/x11/HandlerList.h"
+#include "foundation/HandlerList.h"
 #include "platform/Panel.h"
 
 class QMouseEvent;
@@ -29,7 +29,7 @@ class MouseMonitor final : public QObject {
   bool followsOwnPress(MouseEventType type);
 
   QWindow& window_;
-  x11::HandlerList<const MouseEvent&, EventDisposition&> monitors_;
+  HandlerList<const MouseEvent&, EventDisposition&> monitors_;
   bool leftPressed_ = false;
 };
 

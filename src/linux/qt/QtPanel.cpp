@@ -104,7 +104,7 @@ void QtPanel::setBackgroundColor(Color color) {
   widget_->setBackgroundColor(toQColor(color));
 }
 
-x11::HandlerList<>& QtPanel::handlers(PanelEvent event) {
+HandlerList<>& QtPanel::handlers(PanelEvent event) {
   switch (event) {
     case PanelEvent::willMove:
       return willMove_;

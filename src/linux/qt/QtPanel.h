@@ -3,9 +3,9 @@
 #include <memory>
 #include <optional>
 
+#include "foundation/HandlerList.h"
 #include "linux/qt/MouseMonitor.h"
 #include "linux/qt/PanelWidget.h"
-#include "linux/x11/HandlerList.h"
 #include "linux/x11/X11PanelWindow.h"
 #include "platform/Panel.h"
 
@@ -45,7 +45,7 @@ class QtPanel final : public Panel {
   void map();
   void geometryChanged();
   void dragTo(Point origin);
-  x11::HandlerList<>& handlers(PanelEvent event);
+  HandlerList<>& handlers(PanelEvent event);
 
   const WindowServer& windows_;
   PanelConfig config_;
@@ -53,7 +53,7 @@ class QtPanel final : public Panel {
   std::unique_ptr<PanelWidget> widget_;
   std::optional<x11::X11PanelWindow> x11_;
   std::optional<MouseMonitor> mouseMonitor_;
-  x11::HandlerList<> willMove_, didMove_, didResize_;
+  HandlerList<> willMove_, didMove_, didResize_;
   Rect reported_;                         // the frame last reported to observers
   std::optional<Point> requestedOrigin_;  // a move asked by the program, not the user
   bool userMoving_ = false;

@@ -4,7 +4,7 @@
 #include <QPointer>
 #include <QToolButton>
 
-#include "linux/x11/HandlerList.h"
+#include "foundation/HandlerList.h"
 #include "platform/Panel.h"
 
 class QWidget;
@@ -34,7 +34,7 @@ class QtPanelButton final : public QObject, public PanelButton {
   QPointer<QWidget> panel_;  // may go first: the button then has nothing left to do
   PanelButtonConfig config_;
   QPointer<QToolButton> button_;
-  x11::HandlerList<> clickHandlers_;
+  HandlerList<> clickHandlers_;
 };
 
 }  // namespace orlet::linux_qt

@@ -2,11 +2,11 @@
 
 #include <string>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Scheduler.h"
 #include "foundation/WorkItem.h"
 #include "linux/x11/ClientWindows.h"
 #include "linux/x11/DesktopEntries.h"
-#include "linux/x11/HandlerList.h"
 #include "linux/x11/XConnection.h"
 #include "linux/x11/XEventSource.h"
 #include "platform/Workspace.h"

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Subscription.h"
-#include "linux/x11/HandlerList.h"
 
 namespace orlet::x11 {
 

@@ -9,9 +9,9 @@
 
 #include "foundation/Subscription.h"
 
-namespace orlet::x11 {
+namespace orlet {
 
-// Callbacks registered with an adapter, each until its Subscription goes away. A handler may
+// Callbacks registered with an object, each until its Subscription goes away. A handler may
 // subscribe or unsubscribe others while being called; one removed meanwhile is not called.
 template <class... Args>
 class HandlerList {
@@ -37,6 +37,7 @@ class HandlerList {
   }
 
   bool empty() const { return state_->entries.empty(); }
+  std::size_t size() const { return state_->entries.size(); }
 
  private:
   struct Entry {
@@ -54,4 +55,4 @@ class HandlerList {
   std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-}  // namespace orlet::x11
+}  // namespace orlet
