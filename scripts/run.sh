@@ -20,9 +20,16 @@ scripts/xsession.sh start "$display" --tray
 export DISPLAY=$display
 trap 'kill $(jobs -p) 2>/dev/null; scripts/xsession.sh stop "$display"' EXIT
 
-editor=$(find "$build" -name 'orlet-stand-in-editor' -type f -perm -u+x | head -n 1)
-if [[ -n $editor ]]; then
-  "$editor" &
+# The stand-in editor is named "Capture One 23" by a desktop entry, as an installed editor is.
+editor="$build/tests/linux/orlet_standin"
+if [[ -x $editor ]]; then
+  export XDG_DATA_HOME=$(mktemp -d)
+  mkdir -p "$XDG_DATA_HOME/applications"
+  printf '[Desktop Entry]\nType=Application\nName=Capture One 23\nExec=true\nStartupWMClass=CaptureOne\n' \
+    > "$XDG_DATA_HOME/applications/orlet-demo-captureone.desktop"
+  "$editor" --class CaptureOne --title "Capture One 23" --geometry 1000x700+300+150 >/dev/null &
+else
+  editor=""
 fi
 "$build/orlet" "$@" &
 orlet_pid=$!
@@ -34,8 +41,15 @@ for _ in $(seq 100); do
 done
 if [[ -n $editor ]]; then
   xdotool search --class CaptureOne windowactivate 2>/dev/null || true
+  # Show the mirror as the operator would: a click on the floating button.
+  for window in $(xdotool search --pid "$orlet_pid" 2>/dev/null); do
+    eval "$(xdotool getwindowgeometry --shell "$window")"
+    if [[ $WIDTH == 40 && $HEIGHT == 40 ]]; then
+      xdotool mousemove $((X + 20)) $((Y + 20)) click 1
+    fi
+  done
 fi
-sleep 1
+sleep 2  # let the display cards fill before the screenshot
 import -window root orlet-screenshot.png
 echo "ORLET runs on $display (screenshot: $PWD/orlet-screenshot.png). Ctrl-C stops it."
 wait "$orlet_pid"
