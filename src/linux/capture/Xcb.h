@@ -2,19 +2,16 @@
 
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "linux/x11/XcbReply.h"
+
 namespace orlet::linux_capture {
 
-// XCB replies and errors are malloc'ed and released with free().
-struct FreeDeleter {
-  void operator()(void* p) const { std::free(p); }
-};
 template <class T>
-using Reply = std::unique_ptr<T, FreeDeleter>;
+using Reply = x11::XcbReply<T>;
 
 // One connection to the X server, owned by one thread.
 class XcbConnection {
