@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "app/AppMenuActions.h"
-#include "app/FloatingButtonPanel.h"
 #include "app/HotkeyManager.h"
 #include "app/SettingsWindowController.h"
 #include "support/FakePlatform.h"
@@ -38,9 +36,13 @@ class MainAppTest : public ::testing::Test {
   }
   FakePanel& button() const { return *platform.panels.panel(PanelContent::floatingButton); }
   FakePanel* mirror() const { return platform.panels.panel(PanelContent::mirror); }
-  void click(MouseEventType type, Point at) {
+  EventDisposition press(MouseEventType type, Point at) {
     platform.windowServer.movePointer(at);
-    button().send(type, at);
+    return button().send(type, at);
+  }
+  void frontBecomes(const RunningApplication& app) {
+    platform.workspace.bringToFront(app);
+    platform.scheduler.runUntilIdle();
   }
 
   FakePlatform platform;
@@ -49,10 +51,14 @@ class MainAppTest : public ::testing::Test {
   std::unique_ptr<MainApp> app;
 };
 
+// The button is shown last, so it is there at launch even when another application is in front.
 TEST_F(MainAppTest, StartUpShowsTheButtonTheMenuAndAHiddenMirrorWhateverIsInFront) {
   bool hotkeyRegistered = false;
   SharedInstance<HotkeyManager>::setFactory(
       [&] { return std::make_unique<RecordingHotkeyManager>(hotkeyRegistered); });
+  bool settingsShown = false;
+  SharedInstance<SettingsWindowController>::setFactory(
+      [&] { return std::make_unique<RecordingSettings>(settingsShown); });
   platform.workspace.bringToFront(other);
   start();
 
@@ -62,29 +68,19 @@ TEST_F(MainAppTest, StartUpShowsTheButtonTheMenuAndAHiddenMirrorWhateverIsInFron
   ASSERT_NE(mirror(), nullptr);
   EXPECT_FALSE(mirror()->isVisible());
   EXPECT_TRUE(hotkeyRegistered);
-
-  ASSERT_TRUE(platform.statusBar.menu());
+  EXPECT_EQ(platform.statusBar.icon->size, (Size{18, 18}));
   std::vector<std::string> titles;
-  for (const auto& item : platform.statusBar.menu()->items) {
+  for (const auto& item : platform.statusBar.menu->items) {
     titles.push_back(item.isSeparator ? "-" : item.title);
-    EXPECT_EQ(item.keyEquivalent, "");
   }
   EXPECT_EQ(titles, (std::vector<std::string>{"Paramètres…", "-", "Mise à jour…", "-", "Quitter"}));
-  EXPECT_EQ(platform.statusBar.icon()->size, (Size{18, 18}));
-}
 
-TEST_F(MainAppTest, MenuEntriesReachControllersCreatedOnlyWhenChosen) {
-  bool settingsShown = false;
-  SharedInstance<SettingsWindowController>::setFactory(
-      [&] { return std::make_unique<RecordingSettings>(settingsShown); });
-  start();
+  // The settings are made only once chosen.
   EXPECT_FALSE(SharedInstance<SettingsWindowController>::exists());
-
-  const auto& items = platform.statusBar.menu()->items;
-  items[0].action();
+  platform.statusBar.menu->items[0].action();
   EXPECT_TRUE(settingsShown);
-  items[4].action();
-  EXPECT_TRUE(platform.application.isTerminated());
+  platform.statusBar.menu->items[4].action();
+  EXPECT_TRUE(platform.application.terminated);
 }
 
 TEST_F(MainAppTest, TheButtonReturnsWhereItWasLeftOnlyWhenBothCoordinatesAreNumbers) {
@@ -94,35 +90,28 @@ TEST_F(MainAppTest, TheButtonReturnsWhereItWasLeftOnlyWhenBothCoordinatesAreNumb
   EXPECT_EQ(button().frame().origin(), (Point{0, 0}));
 
   button().userMove({300, 500});
-  EXPECT_EQ(platform.defaults.number("buttonWindowY"), 500);
   start();  // the next run
   EXPECT_EQ(button().frame().origin(), (Point{300, 500}));
 }
 
+// The front application is read one turn after the change, once the activation has settled.
+// This program counts as in front when the identifiers match, two absent ones included, and
+// never keeps the front: the editor gets it back and the button stays.
 TEST_F(MainAppTest, TheButtonFollowsTheFrontApplicationOneHopAfterTheChange) {
   start();
   platform.workspace.bringToFront(other);
   EXPECT_TRUE(button().isVisible());
   platform.scheduler.runUntilIdle();
   EXPECT_FALSE(button().isVisible());
-
-  platform.workspace.bringToFront(editor);
-  platform.scheduler.runUntilIdle();
+  frontBecomes(editor);
   EXPECT_TRUE(button().isVisible());
-
-  // This program never keeps the front: the editor gets it back and the button stays.
-  platform.workspace.bringToFront(platform.ourApp());
-  platform.scheduler.runUntilIdle();
+  frontBecomes(platform.ourApp());
   EXPECT_EQ(platform.workspace.frontmostApplication(), editor);
   EXPECT_TRUE(button().isVisible());
-}
 
-TEST_F(MainAppTest, WithNothingInFrontTwoAbsentIdentifiersCountAsThisProgram) {
-  start();
   platform.workspace.clearFront();
   platform.scheduler.runUntilIdle();
   EXPECT_FALSE(button().isVisible());
-
   platform.workspace.setOurIdentifier(std::nullopt);
   platform.workspace.clearFront();
   platform.scheduler.runUntilIdle();
@@ -130,30 +119,28 @@ TEST_F(MainAppTest, WithNothingInFrontTwoAbsentIdentifiersCountAsThisProgram) {
   EXPECT_TRUE(button().isVisible());
 }
 
-TEST_F(MainAppTest, ADragMovesTheButtonWithoutTogglingAndAClickTogglesBesideIt) {
+// Past 3 points of travel a press is a drag that moves the button; up to 3 it is a click that
+// toggles the mirror beside it. A right click opens the status menu at the pointer, nothing else.
+TEST_F(MainAppTest, GesturesOnTheButtonTellDragsClicksAndMenuApart) {
   platform.workspace.bringToFront(other);
   start();
-  click(MouseEventType::leftDown, {10, 10});
-  click(MouseEventType::leftDragged, {12, 12.3});  // just over 3.0
+  press(MouseEventType::leftDown, {10, 10});
+  press(MouseEventType::leftDragged, {12, 12.3});  // just over 3.0
   button().userMove({100, 200});
-  click(MouseEventType::leftUp, {102, 202.3});
+  press(MouseEventType::leftUp, {102, 202.3});
   EXPECT_FALSE(mirror()->isVisible());
   EXPECT_EQ(platform.workspace.frontmostApplication(), editor);
 
-  click(MouseEventType::leftDown, {110, 210});
-  click(MouseEventType::leftDragged, {113, 210});  // exactly 3.0: still a click
-  click(MouseEventType::leftUp, {113, 210});
+  EXPECT_EQ(press(MouseEventType::rightDown, {115, 225}), EventDisposition::swallow);
+  EXPECT_EQ(platform.statusBar.poppedUpAt, (Point{115, 225}));
+  EXPECT_EQ(platform.statusBar.poppedUpMenu, platform.statusBar.menu);
+  EXPECT_FALSE(mirror()->isVisible());
+
+  press(MouseEventType::leftDown, {110, 210});
+  press(MouseEventType::leftDragged, {113, 210});  // exactly 3.0: still a click
+  press(MouseEventType::leftUp, {113, 210});
   EXPECT_TRUE(mirror()->isVisible());
   EXPECT_EQ(mirror()->frame(), (Rect{140, 200, 900, 600}));
-}
-
-TEST_F(MainAppTest, ARightClickOpensTheStatusMenuAtThePointerAndNothingElse) {
-  start();
-  platform.windowServer.movePointer({15, 25});
-  EXPECT_EQ(button().send(MouseEventType::rightDown, {15, 25}), EventDisposition::swallow);
-  EXPECT_EQ(platform.statusBar.poppedUpAt(), (Point{15, 25}));
-  EXPECT_EQ(platform.statusBar.poppedUpMenu(), platform.statusBar.menu());
-  EXPECT_FALSE(mirror()->isVisible());
 }
 
 TEST_F(MainAppTest, TheShortcutTogglesTheMirrorAndHandsTheFrontBackEachTime) {

@@ -9,28 +9,21 @@
 namespace orlet {
 namespace {
 
-TEST(NotificationCenter, DeliversByNameUntilTheSubscriptionEnds) {
+TEST(NotificationCenter, DeliversByNameToObserversStillSubscribed) {
   NotificationCenter center;
   std::vector<std::string> log;
-  auto a = center.observe(notification::windowDidShow, [&] { log.push_back("a"); });
-  std::optional<Subscription> b =
-      center.observe(notification::windowDidShow, [&] { log.push_back("b"); });
+  std::optional<Subscription> late;
+  auto first = center.observe(notification::windowDidShow, [&] {
+    log.push_back("first");
+    late.reset();  // removed during the post: not called any more
+  });
+  late = center.observe(notification::windowDidShow, [&] { log.push_back("late"); });
   auto other = center.observe(notification::windowDidHide, [&] { log.push_back("hide"); });
 
   center.post(notification::windowDidShow);
-  b.reset();
+  first.cancel();
   center.post(notification::windowDidShow);
-  EXPECT_EQ(log, (std::vector<std::string>{"a", "b", "a"}));
-}
-
-TEST(NotificationCenter, AnObserverRemovedDuringAPostIsNotCalled) {
-  NotificationCenter center;
-  int secondCalls = 0;
-  Subscription second;
-  auto first = center.observe("n", [&] { second.cancel(); });
-  second = center.observe("n", [&] { ++secondCalls; });
-  center.post("n");
-  EXPECT_EQ(secondCalls, 0);
+  EXPECT_EQ(log, std::vector<std::string>{"first"});
 }
 
 TEST(NotificationCenter, SubscriptionMayOutliveTheCentre) {
@@ -40,7 +33,6 @@ TEST(NotificationCenter, SubscriptionMayOutliveTheCentre) {
     s = center.observe("n", [] {});
   }
   s.cancel();  // must not touch the destroyed centre
-  SUCCEED();
 }
 
 TEST(Published, ObserversRunBeforeTheChangeWithTheNewValue) {

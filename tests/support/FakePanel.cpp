@@ -1,5 +1,7 @@
 #include "support/FakePanel.h"
 
+#include <algorithm>
+
 namespace orlet::test {
 namespace {
 
@@ -7,13 +9,14 @@ namespace {
 class ButtonHandle final : public PanelButton {
  public:
   explicit ButtonHandle(std::shared_ptr<FakePanelButton> button) : button_(std::move(button)) {}
-  void setHidden(bool hidden) override { button_->setHidden(hidden); }
-  bool isHidden() const override { return button_->isHidden(); }
+  void setHidden(bool hidden) override { button_->hidden = hidden; }
+  bool isHidden() const override { return button_->hidden; }
   void setSymbol(const std::string& symbol, ButtonTint tint) override {
-    button_->setSymbol(symbol, tint);
+    button_->symbol = symbol;
+    button_->tint = tint;
   }
   Subscription onClick(std::function<void()> handler) override {
-    return button_->onClick(std::move(handler));
+    return button_->clicks.add(std::move(handler));
   }
 
  private:
@@ -33,39 +36,11 @@ FakePanel::~FakePanel() {
   if (onDestroyed_) onDestroyed_();
 }
 
-bool FakePanel::isOcclusionVisible() const {
-  return isVisible() && !server_.isCovered(number_);
-}
-
-PanelLevel FakePanel::level() const {
-  return static_cast<PanelLevel>(server_.level(number_));
-}
-
-void FakePanel::setLevel(PanelLevel level) {
-  server_.setLevel(number_, static_cast<int>(level));
-}
-
 void FakePanel::setFrame(Rect frame) {
   const auto old = this->frame();
   server_.setBounds(number_, frame);
   if (frame.origin() != old.origin()) emit(PanelEvent::didMove);
   if (frame.size() != old.size()) emit(PanelEvent::didResize);
-}
-
-void FakePanel::setFrameOrigin(Point origin) {
-  setFrame(Rect::from(origin, frame().size()));
-}
-
-Subscription FakePanel::observe(PanelEvent event, std::function<void()> handler) {
-  switch (event) {
-    case PanelEvent::willMove:
-      return willMove_.add(std::move(handler));
-    case PanelEvent::didMove:
-      return didMove_.add(std::move(handler));
-    case PanelEvent::didResize:
-      return didResize_.add(std::move(handler));
-  }
-  return {};
 }
 
 Subscription FakePanel::addMouseMonitor(
@@ -77,9 +52,8 @@ Subscription FakePanel::addMouseMonitor(
 }
 
 std::unique_ptr<PanelButton> FakePanel::addButton(const PanelButtonConfig& config) {
-  auto button = std::make_shared<FakePanelButton>(config);
-  buttons_.push_back(button);
-  return std::make_unique<ButtonHandle>(button);
+  buttons_.push_back(std::make_shared<FakePanelButton>(config));
+  return std::make_unique<ButtonHandle>(buttons_.back());
 }
 
 void FakePanel::userMove(Point origin) {
@@ -87,36 +61,37 @@ void FakePanel::userMove(Point origin) {
   setFrameOrigin(origin);
 }
 
-void FakePanel::userResize(Size size) {
-  setFrame(Rect::from(frame().origin(), size));
-}
-
-EventDisposition FakePanel::send(const MouseEvent& event) {
-  auto disposition = EventDisposition::pass;
-  monitors_.call(event, disposition);
-  return disposition;
-}
-
 EventDisposition FakePanel::send(MouseEventType type, Point screenLocation) {
   MouseEvent event;
   event.type = type;
   event.screenLocation = screenLocation;
   event.locationInWindow = {screenLocation.x - frame().x, screenLocation.y - frame().y};
-  return send(event);
+  auto disposition = EventDisposition::pass;
+  monitors_.call(event, disposition);
+  return disposition;
 }
 
 FakePanelButton* FakePanel::button(PanelCorner corner) const {
   for (const auto& b : buttons_) {
-    if (b->config().corner == corner) return b.get();
+    if (b->config.corner == corner) return b.get();
   }
   return nullptr;
 }
 
-void FakePanel::emit(PanelEvent event) {
-  auto& list = event == PanelEvent::willMove  ? willMove_
-               : event == PanelEvent::didMove ? didMove_
-                                              : didResize_;
-  list.call();
+std::unique_ptr<Panel> FakePanelFactory::createPanel(const PanelConfig& config) {
+  auto panel = std::make_unique<FakePanel>(server_, config, owner_);
+  live_->push_back(panel.get());
+  panel->onDestroyed_ = [live = std::weak_ptr(live_), raw = panel.get()] {
+    if (auto list = live.lock()) std::erase(*list, raw);
+  };
+  return panel;
+}
+
+FakePanel* FakePanelFactory::panel(PanelContent content) const {
+  const auto it = std::find_if(live_->rbegin(), live_->rend(), [content](const FakePanel* p) {
+    return p->config().content == content;
+  });
+  return it == live_->rend() ? nullptr : *it;
 }
 
 }  // namespace orlet::test

@@ -7,21 +7,17 @@
 
 namespace orlet::test {
 
-void resetSharedInstances() {
-  SharedInstance<WindowController>::reset();
-  SharedInstance<AppMenuActions>::reset();
-  SharedInstance<HotkeyManager>::reset();
-  SharedInstance<SettingsWindowController>::reset();
-  SharedInstance<UpdateManager>::reset();
-}
-
 FakePlatform::FakePlatform() {
   workspace.setOurIdentifier(ourApp().bundleIdentifier);
   workspace.launch(ourApp());
 }
 
 FakePlatform::~FakePlatform() {
-  resetSharedInstances();
+  SharedInstance<WindowController>::reset();
+  SharedInstance<AppMenuActions>::reset();
+  SharedInstance<HotkeyManager>::reset();
+  SharedInstance<SettingsWindowController>::reset();
+  SharedInstance<UpdateManager>::reset();
 }
 
 WindowController::Ports FakePlatform::windowControllerPorts() {

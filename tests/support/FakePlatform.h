@@ -1,21 +1,45 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "app/MainApp.h"
 #include "foundation/DefaultsStore.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
-#include "support/FakeApplication.h"
-#include "support/FakePanelFactory.h"
-#include "support/FakeStatusBar.h"
+#include "platform/StatusBar.h"
+#include "support/FakePanel.h"
 #include "support/FakeWindowServer.h"
-#include "support/FakeWorkspace.h"
 #include "support/GeometryPrinters.h"
 #include "support/VirtualScheduler.h"
 #include "window/WindowController.h"
 
 namespace orlet::test {
+
+// A notification area that remembers what it was asked to show.
+class FakeStatusBar final : public StatusBar {
+ public:
+  bool createStatusItem(const Drawing& icon, std::shared_ptr<const Menu> menu) override {
+    this->icon = icon;
+    this->menu = std::move(menu);
+    return true;
+  }
+  void popUpMenu(std::shared_ptr<const Menu> menu, Point screenLocation) override {
+    poppedUpMenu = std::move(menu);
+    poppedUpAt = screenLocation;
+  }
+
+  std::optional<Drawing> icon;
+  std::shared_ptr<const Menu> menu, poppedUpMenu;
+  std::optional<Point> poppedUpAt;
+};
+
+class FakeApplication final : public Application {
+ public:
+  void terminate() override { terminated = true; }
+  bool terminated = false;
+};
 
 // Every port faked, on a virtual clock and in-memory defaults, with this program and the
 // applications a test launches living on one fake desktop.
@@ -26,7 +50,7 @@ class FakePlatform {
   FakePlatform();
   FakePlatform(const FakePlatform&) = delete;
   FakePlatform& operator=(const FakePlatform&) = delete;
-  // Destroys the shared controllers first: their panels live in this window server.
+  // Resets every shared controller first: their panels live in this window server.
   ~FakePlatform();
 
   WindowController::Ports windowControllerPorts();
@@ -38,10 +62,6 @@ class FakePlatform {
   // A running application with one window of `bounds`, raised but not brought to the front.
   RunningApplication launch(const std::string& name, ProcessId pid,
                             Rect bounds = {0, 0, 1600, 1000});
-  // Opens a further window of an application, in front of everything of its level.
-  WindowNumber openWindow(ProcessId pid, Rect bounds) {
-    return windowServer.openWindow(pid, bounds);
-  }
 
   VirtualScheduler scheduler;
   NotificationCenter notifications;
@@ -53,8 +73,5 @@ class FakePlatform {
   FakeStatusBar statusBar;
   FakeApplication application;
 };
-
-// Resets every shared controller.
-void resetSharedInstances();
 
 }  // namespace orlet::test

@@ -2,16 +2,9 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace orlet::test {
-namespace {
-
-bool encloses(Rect outer, Rect inner) {
-  return inner.minX() >= outer.minX() && inner.maxX() <= outer.maxX() &&
-         inner.minY() >= outer.minY() && inner.maxY() <= outer.maxY();
-}
-
-}  // namespace
 
 std::optional<std::vector<WindowInfo>> FakeWindowServer::onScreenWindows() const {
   if (!listAvailable_) return std::nullopt;
@@ -39,31 +32,27 @@ void FakeWindowServer::destroyWindow(WindowNumber number) {
   std::erase_if(windows_, [number](const Window& w) { return w.number == number; });
 }
 
-void FakeWindowServer::raise(WindowNumber number) {
-  auto window = take(number);
+void FakeWindowServer::reinsert(WindowNumber number, const std::function<std::size_t()>& at) {
+  const auto* found = find(number);
+  if (!found) throw std::out_of_range("no such fake window");
+  auto window = *found;
   window.shown = true;
-  windows_.insert(windows_.begin(), window);
+  destroyWindow(number);
+  windows_.insert(windows_.begin() + static_cast<std::ptrdiff_t>(at()), window);
   restack();
+}
+
+void FakeWindowServer::raise(WindowNumber number) {
+  reinsert(number, [] { return 0; });
 }
 
 void FakeWindowServer::lower(WindowNumber number) {
-  auto window = take(number);
-  window.shown = true;
-  windows_.push_back(window);
-  restack();
+  reinsert(number, [this] { return windows_.size(); });
 }
 
 void FakeWindowServer::placeAbove(WindowNumber number, WindowNumber sibling) {
-  if (number == sibling || !find(sibling)) {
-    raise(number);
-    return;
-  }
-  auto window = take(number);
-  window.shown = true;
-  const auto at = std::find_if(windows_.begin(), windows_.end(),
-                               [sibling](const Window& w) { return w.number == sibling; });
-  windows_.insert(at, window);
-  restack();
+  if (number == sibling || !find(sibling)) return raise(number);
+  reinsert(number, [this, sibling] { return find(sibling) - windows_.data(); });
 }
 
 void FakeWindowServer::hide(WindowNumber number) {
@@ -76,24 +65,9 @@ void FakeWindowServer::raiseWindowsOf(ProcessId owner) {
   restack();
 }
 
-bool FakeWindowServer::isShown(WindowNumber number) const {
-  const auto* w = find(number);
-  return w && w->shown;
-}
-
-int FakeWindowServer::level(WindowNumber number) const {
-  const auto* w = find(number);
-  return w ? w->level : 0;
-}
-
 void FakeWindowServer::setLevel(WindowNumber number, int level) {
   if (auto* w = find(number)) w->level = level;
   restack();
-}
-
-Rect FakeWindowServer::bounds(WindowNumber number) const {
-  const auto* w = find(number);
-  return w ? w->bounds : Rect{};
 }
 
 void FakeWindowServer::setBounds(WindowNumber number, Rect bounds) {
@@ -101,9 +75,13 @@ void FakeWindowServer::setBounds(WindowNumber number, Rect bounds) {
 }
 
 bool FakeWindowServer::isCovered(WindowNumber number) const {
+  const Rect inner = bounds(number);
   for (const auto& w : windows_) {
     if (w.number == number) return false;
-    if (w.shown && encloses(w.bounds, bounds(number))) return true;
+    if (w.shown && inner.minX() >= w.bounds.minX() && inner.maxX() <= w.bounds.maxX() &&
+        inner.minY() >= w.bounds.minY() && inner.maxY() <= w.bounds.maxY()) {
+      return true;
+    }
   }
   return false;
 }
@@ -116,30 +94,35 @@ std::vector<WindowNumber> FakeWindowServer::stacking() const {
   return numbers;
 }
 
-FakeWindowServer::Window* FakeWindowServer::find(WindowNumber number) {
-  auto it = std::find_if(windows_.begin(), windows_.end(),
-                         [number](const Window& w) { return w.number == number; });
-  return it == windows_.end() ? nullptr : &*it;
-}
-
 const FakeWindowServer::Window* FakeWindowServer::find(WindowNumber number) const {
-  auto it = std::find_if(windows_.begin(), windows_.end(),
-                         [number](const Window& w) { return w.number == number; });
+  const auto it = std::find_if(windows_.begin(), windows_.end(),
+                               [number](const Window& w) { return w.number == number; });
   return it == windows_.end() ? nullptr : &*it;
 }
 
-FakeWindowServer::Window FakeWindowServer::take(WindowNumber number) {
-  auto it = std::find_if(windows_.begin(), windows_.end(),
-                         [number](const Window& w) { return w.number == number; });
-  if (it == windows_.end()) throw std::out_of_range("no such fake window");
-  auto window = *it;
-  windows_.erase(it);
-  return window;
+FakeWindowServer::Window* FakeWindowServer::find(WindowNumber number) {
+  return const_cast<Window*>(std::as_const(*this).find(number));
 }
 
 void FakeWindowServer::restack() {
   std::stable_sort(windows_.begin(), windows_.end(),
                    [](const Window& a, const Window& b) { return a.level > b.level; });
+}
+
+void FakeWorkspace::activate(const RunningApplication& app) {
+  if (std::find(running_.begin(), running_.end(), app) != running_.end()) bringToFront(app);
+}
+
+void FakeWorkspace::bringToFront(const RunningApplication& app) {
+  if (front_ == app) return;
+  server_.raiseWindowsOf(app.processIdentifier);
+  front_ = app;
+  didActivate_.call();
+}
+
+void FakeWorkspace::clearFront() {
+  front_.reset();
+  didActivate_.call();
 }
 
 }  // namespace orlet::test

@@ -2,9 +2,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "foundation/HandlerList.h"
 #include "platform/WindowServer.h"
+#include "platform/Workspace.h"
 
 namespace orlet::test {
 
@@ -35,10 +38,10 @@ class FakeWindowServer final : public WindowServer {
   // Activation raises all of an application's windows, keeping their order.
   void raiseWindowsOf(ProcessId owner);
 
-  bool isShown(WindowNumber number) const;
-  int level(WindowNumber number) const;
+  bool isShown(WindowNumber number) const { return find(number) && find(number)->shown; }
+  int level(WindowNumber number) const { return find(number) ? find(number)->level : 0; }
   void setLevel(WindowNumber number, int level);
-  Rect bounds(WindowNumber number) const;
+  Rect bounds(WindowNumber number) const { return find(number) ? find(number)->bounds : Rect{}; }
   void setBounds(WindowNumber number, Rect bounds);
   // Entirely covered by one shown window in front of it.
   bool isCovered(WindowNumber number) const;
@@ -55,9 +58,10 @@ class FakeWindowServer final : public WindowServer {
     bool shown = false;
   };
 
-  Window* find(WindowNumber number);
   const Window* find(WindowNumber number) const;
-  Window take(WindowNumber number);
+  Window* find(WindowNumber number);
+  // Takes `number` out of the list and puts it back shown at the index `at` gives.
+  void reinsert(WindowNumber number, const std::function<std::size_t()>& at);
   void restack();
 
   std::vector<Window> windows_;  // front to back, hidden ones included
@@ -65,6 +69,40 @@ class FakeWindowServer final : public WindowServer {
   Point pointer_;
   std::uint32_t buttons_ = 0;
   bool listAvailable_ = true;
+};
+
+// The desktop's applications. Bringing one to the front raises its windows in the window server
+// and tells the did-activate observers, at once, as a real desktop does when the user clicks it;
+// activating the application already in front changes nothing.
+class FakeWorkspace final : public Workspace {
+ public:
+  explicit FakeWorkspace(FakeWindowServer& server) : server_(server) {}
+
+  std::optional<RunningApplication> frontmostApplication() const override { return front_; }
+  std::vector<RunningApplication> runningApplications() const override { return running_; }
+  // Brings a running application to the front; anything else is ignored.
+  void activate(const RunningApplication& app) override;
+  std::optional<std::string> mainBundleIdentifier() const override { return ourIdentifier_; }
+  Subscription observeDidActivateApplication(std::function<void()> handler) override {
+    return didActivate_.add(std::move(handler));
+  }
+
+  void setOurIdentifier(std::optional<std::string> identifier) {
+    ourIdentifier_ = std::move(identifier);
+  }
+  // Adds to the end of the running list.
+  void launch(const RunningApplication& app) { running_.push_back(app); }
+  // `app` becomes the front application (running or not), if it is not already.
+  void bringToFront(const RunningApplication& app);
+  // No application is active any more (the last active window closed).
+  void clearFront();
+
+ private:
+  FakeWindowServer& server_;
+  std::vector<RunningApplication> running_;
+  std::optional<RunningApplication> front_;
+  std::optional<std::string> ourIdentifier_;
+  HandlerList<> didActivate_;
 };
 
 }  // namespace orlet::test

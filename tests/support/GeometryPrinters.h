@@ -7,8 +7,14 @@
 namespace orlet {
 
 // Readable failure messages for geometry values in GoogleTest assertions.
-void PrintTo(const Point& point, std::ostream* out);
-void PrintTo(const Size& size, std::ostream* out);
-void PrintTo(const Rect& rect, std::ostream* out);
+inline void PrintTo(const Point& p, std::ostream* out) {
+  *out << "(" << p.x << ", " << p.y << ")";
+}
+inline void PrintTo(const Size& s, std::ostream* out) {
+  *out << s.width << " x " << s.height;
+}
+inline void PrintTo(const Rect& r, std::ostream* out) {
+  *out << "(" << r.x << ", " << r.y << ", " << r.width << " x " << r.height << ")";
+}
 
 }  // namespace orlet

@@ -1,7 +1,5 @@
 #include "support/VirtualScheduler.h"
 
-#include <algorithm>
-
 namespace orlet::test {
 
 void VirtualScheduler::async(std::function<void()> work) {
@@ -9,18 +7,10 @@ void VirtualScheduler::async(std::function<void()> work) {
   inbox_.push_back(std::move(work));
 }
 
-WorkItem VirtualScheduler::after(Seconds delay, std::function<void()> work) {
+WorkItem VirtualScheduler::add(Seconds due, Seconds interval, std::function<void()> work,
+                               WorkItem item) {
   drainInbox();
-  auto item = WorkItem::make();
-  entries_.push_back(
-      {now_ + std::max(delay, Seconds{0}), nextSequence_++, std::move(work), item, Seconds{0}});
-  return item;
-}
-
-WorkItem VirtualScheduler::every(Seconds interval, std::function<void()> work) {
-  drainInbox();
-  auto item = WorkItem::make();
-  entries_.push_back({now_ + interval, nextSequence_++, std::move(work), item, interval});
+  entries_.emplace(std::pair(due, sequence_++), Entry{std::move(work), item, interval});
   return item;
 }
 
@@ -31,41 +21,23 @@ void VirtualScheduler::drainInbox() {
     pending.swap(inbox_);
   }
   for (auto& work : pending) {
-    entries_.push_back({now_, nextSequence_++, std::move(work), WorkItem::make(), Seconds{0}});
+    entries_.emplace(std::pair(now_, sequence_++), Entry{std::move(work), WorkItem::make(), {}});
   }
-}
-
-bool VirtualScheduler::popNextDue(Seconds limit, Entry& out) {
-  drainInbox();
-  std::erase_if(entries_, [](const Entry& e) { return e.item.isCancelled(); });
-  auto next =
-      std::min_element(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
-        return a.due != b.due ? a.due < b.due : a.sequence < b.sequence;
-      });
-  if (next == entries_.end() || next->due > limit) return false;
-  out = std::move(*next);
-  entries_.erase(next);
-  return true;
 }
 
 void VirtualScheduler::advance(Seconds duration) {
   const Seconds target = now_ + std::max(duration, Seconds{0});
-  Entry entry;
-  while (popNextDue(target, entry)) {
-    now_ = std::max(now_, entry.due);
-    if (entry.interval > Seconds{0}) {
-      entries_.push_back(
-          {entry.due + entry.interval, nextSequence_++, entry.work, entry.item, entry.interval});
-    }
+  for (drainInbox(); !entries_.empty() && entries_.begin()->first.first <= target; drainInbox()) {
+    auto next = entries_.extract(entries_.begin());
+    const Seconds due = next.key().first;
+    const Entry& entry = next.mapped();
+    if (entry.item.isCancelled()) continue;
+    now_ = std::max(now_, due);
+    if (entry.interval > Seconds{0})
+      add(due + entry.interval, entry.interval, entry.work, entry.item);
     entry.work();
   }
   now_ = target;
-}
-
-std::size_t VirtualScheduler::pendingCount() const {
-  std::lock_guard lock(inboxMutex_);
-  return inbox_.size() + std::count_if(entries_.begin(), entries_.end(),
-                                       [](const Entry& e) { return !e.item.isCancelled(); });
 }
 
 }  // namespace orlet::test

@@ -17,27 +17,19 @@ class FakeDisplayInfoProvider final : public DisplayInfoProvider {
   };
   std::map<std::uint32_t, Display> displays;
 
-  Size physicalSizeMillimeters(std::uint32_t id) const override {
-    const auto* d = find(id);
-    return d ? d->millimeters : Size{};
-  }
+  Size physicalSizeMillimeters(std::uint32_t id) const override { return find(id).millimeters; }
   std::optional<ScreenDescription> screen(std::uint32_t id) const override {
-    const auto* d = find(id);
-    return d ? d->screen : std::nullopt;
+    return find(id).screen;
   }
   std::optional<std::string> pixelEncoding(std::uint32_t id) const override {
-    const auto* d = find(id);
-    return d ? d->pixelEncoding : std::nullopt;
+    return find(id).pixelEncoding;
   }
-  Rect bounds(std::uint32_t id) const override {
-    const auto* d = find(id);
-    return d ? d->bounds : Rect{};
-  }
+  Rect bounds(std::uint32_t id) const override { return find(id).bounds; }
 
  private:
-  const Display* find(std::uint32_t id) const {
+  Display find(std::uint32_t id) const {
     const auto it = displays.find(id);
-    return it == displays.end() ? nullptr : &it->second;
+    return it == displays.end() ? Display{} : it->second;
   }
 };
 

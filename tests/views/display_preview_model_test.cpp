@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "support/FakeCaptureService.h"
-#include "support/GeometryPrinters.h"
 #include "support/VirtualScheduler.h"
 #include "views/DisplayPreviewModel.h"
 #include "views/FakeDisplayInfoProvider.h"
@@ -28,9 +27,6 @@ class DisplayPreviewModelTest : public ::testing::Test {
     model->addCompanion(std::make_unique<StateCompanion>(tracking));
     return model;
   }
-  const test::FakeCaptureStream* stream() const {
-    return capture.streams.empty() ? nullptr : capture.streams.back().get();
-  }
 
   test::VirtualScheduler scheduler;
   test::FakeCaptureService capture{scheduler};
@@ -39,60 +35,30 @@ class DisplayPreviewModelTest : public ::testing::Test {
   std::optional<DisplayID> tracking;
 };
 
-TEST_F(DisplayPreviewModelTest, CardTellsItsNameAndDetails) {
-  info.displays[77] = {{0, 0}, ScreenDescription{"DUMMY1", 60, std::nullopt}, "R8G8B8", {}};
-  const auto card = preview(false, 2);
-  EXPECT_EQ(card->displayName(), "Écran 2");
-  EXPECT_EQ(card->displayDetailedInfo(), "DUMMY1\n2560 × 1440\n16/9\n60 Hz\n8-bit");
-  EXPECT_EQ(preview(false, 1)->displayName(), "Principal");
+// Cards and the mirror capture their display at 30 frames a second while shown; only the mirror
+// runs its companions beside its capture.
+TEST_F(DisplayPreviewModelTest, StreamsWhileShownAndOnlyTheMirrorRunsCompanions) {
+  for (const bool expanded : {false, true}) {
+    const auto shown = preview(expanded, 1);
+    shown->disappear();  // never started: nothing to stop, nothing breaks
+    shown->appear();
+    scheduler.runUntilIdle();
+    auto* stream = capture.streams.back().get();
+    EXPECT_TRUE(stream->isRunning());
+    EXPECT_EQ(stream->configuration().minimumFrameInterval, (MediaTime{1, 30}));
+    EXPECT_EQ(stream->display(), display);
+    EXPECT_EQ(tracking, expanded ? std::optional(DisplayID{77}) : std::nullopt) << expanded;
+    stream->deliver();
+    scheduler.runUntilIdle();
+    ASSERT_NE(shown->cm().currentFrame.get(), nullptr);
+    EXPECT_EQ(shown->cm().currentFrame.get()->width(), 2560);
 
-  EXPECT_FALSE(card->showingInfo.get());
-  card->toggleInfo();
-  EXPECT_TRUE(card->showingInfo.get());
-  card->toggleInfo();
-  EXPECT_FALSE(card->showingInfo.get());
-}
-
-TEST_F(DisplayPreviewModelTest, CardCapturesAtThirtyFramesWhileShownWithoutCompanions) {
-  const auto card = preview(false, 1);
-  card->appear();
-  scheduler.runUntilIdle();
-  ASSERT_NE(stream(), nullptr);
-  EXPECT_TRUE(stream()->isRunning());
-  EXPECT_EQ(stream()->configuration().minimumFrameInterval, (MediaTime{1, 30}));
-  EXPECT_EQ(stream()->display(), display);
-  EXPECT_EQ(tracking, std::nullopt);
-
-  const_cast<test::FakeCaptureStream*>(stream())->deliver();
-  scheduler.runUntilIdle();
-  ASSERT_NE(card->cm().currentFrame.get(), nullptr);
-  EXPECT_EQ(card->cm().currentFrame.get()->width(), 2560);
-
-  card->disappear();
-  scheduler.runUntilIdle();
-  EXPECT_FALSE(stream()->isRunning());
-  EXPECT_EQ(card->cm().currentFrame.get(), nullptr);
-}
-
-TEST_F(DisplayPreviewModelTest, MirrorRunsItsCompanionsWithItsCapture) {
-  const auto mirror = preview(true, 2);
-  mirror->disappear();  // never started: nothing to stop, nothing breaks
-  EXPECT_EQ(tracking, std::nullopt);
-
-  mirror->appear();
-  scheduler.runUntilIdle();
-  EXPECT_EQ(tracking, DisplayID{77});
-  EXPECT_TRUE(stream()->isRunning());
-  mirror->disappear();
-  scheduler.runUntilIdle();
-  EXPECT_EQ(tracking, std::nullopt);
-  EXPECT_FALSE(stream()->isRunning());
-}
-
-TEST_F(DisplayPreviewModelTest, PictureRectIsSharedByEveryLayerOfTheMirror) {
-  const auto mirror = preview(true, 1);
-  EXPECT_EQ(mirror->pictureRect({1280, 900}), (Rect{0, 90, 1280, 720}));
-  EXPECT_EQ(mirror->pictureRect({0, 900}), Rect{});
+    shown->disappear();
+    scheduler.runUntilIdle();
+    EXPECT_FALSE(stream->isRunning());
+    EXPECT_EQ(shown->cm().currentFrame.get(), nullptr);
+    EXPECT_EQ(tracking, std::nullopt);
+  }
 }
 
 }  // namespace

@@ -6,12 +6,6 @@
 namespace orlet {
 namespace {
 
-TEST(MirrorGeometry, PictureIsTheAspectFitOfTheDisplay) {
-  EXPECT_EQ(mirrorPictureRect({1920, 1080}, {400, 300}), (Rect{0, 37.5, 400, 225}));
-  EXPECT_EQ(mirrorPictureRect({3440, 1440}, {600, 400}).height, 600 / (3440.0 / 1440.0));
-  EXPECT_EQ(mirrorPictureRect({1080, 1920}, {900, 600}), (Rect{281.25, 0, 337.5, 600}));
-}
-
 TEST(MirrorGeometry, RelativePointIgnoresTheLetterboxBands) {
   const Rect picture = mirrorPictureRect({1920, 1080}, {400, 300});
   struct Case {
@@ -58,23 +52,18 @@ TEST(MirrorGeometry, LastPointOfTheMiniatureLandsOnTheLastPixelOfTheDisplay) {
   EXPECT_EQ(displayPixel(display, {0.5, 0.5}), (Point{3200, 520}));
 }
 
-TEST(MirrorGeometry, CursorHotSpotSitsOnThePointersSpotAtTheRealCursorSize) {
+// The hot spot sits on the pointer's spot at the real cursor size; no cursor is drawn for a
+// pointer off the display (its right and bottom edges included) or without an image.
+TEST(MirrorGeometry, CursorIsPlacedByItsHotSpotOnlyWhileOnTheDisplay) {
   const Rect display{0, 0, 1920, 1080};
   const Size view{400, 300};
   const CursorSample centre{{32, 32}, {4, 6}, {960, 540}};
   EXPECT_EQ(cursorFrame(display, view, centre), (Rect{196, 144, 32, 32}));
   EXPECT_EQ(cursorFrame(display, view, centre, 2.0), (Rect{192, 138, 64, 64}));
-
-  // The display to the right of the main one, pointer at its top-left pixel.
-  const Rect second{1920, 0, 2560, 1440};
+  const Rect second{1920, 0, 2560, 1440};  // right of the main one, pointer at its first pixel
   EXPECT_EQ(cursorFrame(second, {1280, 720}, {{24, 24}, {0, 0}, {1920, 0}}), (Rect{0, 0, 24, 24}));
-}
 
-TEST(MirrorGeometry, NoCursorOffTheDisplayOrWithoutAnImage) {
-  const Rect display{0, 0, 1920, 1080};
-  const Size view{400, 300};
-  const Point outside[] = {{1920, 540}, {960, 1080}, {-1, 540}, {960, -0.5}};
-  for (const auto& p : outside) {
+  for (const Point p : {Point{1920, 540}, Point{960, 1080}, Point{-1, 540}, Point{960, -0.5}}) {
     EXPECT_EQ(cursorFrame(display, view, {{32, 32}, {0, 0}, p}), std::nullopt) << p.x << "," << p.y;
   }
   EXPECT_EQ(cursorFrame(display, view, {{0, 0}, {0, 0}, {960, 540}}), std::nullopt);

@@ -10,26 +10,23 @@ namespace {
 
 using test::makeDisplay;
 using Foreground = SelectorForeground;
+using Ids = std::vector<DisplayID>;
 
 class WindowSelectorModelTest : public ::testing::Test {
  protected:
-  // Long enough for a refresh of a few displays (0.1 s of test capture each).
-  static constexpr Seconds settleTime{1};
-
   WindowSelectorModelTest() { capture.displays = {second, mainDisplay}; }
 
-  std::vector<DisplayID> listed() const {
-    std::vector<DisplayID> ids;
+  Ids listed() const {
+    Ids ids;
     for (const auto& d : model.dm().displays.get()) ids.push_back(d.displayID);
     return ids;
   }
   bool anyStreamRunning() const {
-    for (const auto& s : capture.streams) {
-      if (s->isRunning()) return true;
-    }
-    return false;
+    return std::any_of(capture.streams.begin(), capture.streams.end(),
+                       [](const auto& s) { return s->isRunning(); });
   }
-  void settle() { scheduler.advance(settleTime); }
+  // Long enough for a refresh of a few displays (0.1 s of test capture each).
+  void settle() { scheduler.advance(Seconds{1}); }
   // The panel is shown with the permission already given, and the grid has loaded.
   void showWithPermission() {
     permission.granted = true;
@@ -56,7 +53,9 @@ class WindowSelectorModelTest : public ::testing::Test {
       {scheduler, center, capture, permission, [this] { return panelVisible; }}};
 };
 
-TEST_F(WindowSelectorModelTest, FirstAppearanceWithoutPermissionShowsTheCardAndAsksNothing) {
+// The view's own appearance only checks; showing the panel asks, one prompt at a time, and
+// again after a refusal. A grant loads the displays, main first.
+TEST_F(WindowSelectorModelTest, PermissionCardUntilGrantedAndOneRequestAtATime) {
   backButtonVisible = true;
   model.appear();
   settle();
@@ -66,17 +65,11 @@ TEST_F(WindowSelectorModelTest, FirstAppearanceWithoutPermissionShowsTheCardAndA
   EXPECT_FALSE(backButtonVisible);
   EXPECT_TRUE(capture.streams.empty());
 
-  model.openScreenRecordingSettings();
-  EXPECT_TRUE(permission.settingsOpen);
-}
-
-TEST_F(WindowSelectorModelTest, ShowingThePanelAsksOnceAtATimeAndAgainAfterARefusal) {
   center.post(notification::windowDidShow);
   center.post(notification::windowDidShow);
   settle();
   EXPECT_EQ(permission.openPrompts(), 1u);
   EXPECT_TRUE(model.isRequestingPermission());
-
   permission.answer(false);
   settle();
   EXPECT_FALSE(model.isRequestingPermission());
@@ -85,52 +78,47 @@ TEST_F(WindowSelectorModelTest, ShowingThePanelAsksOnceAtATimeAndAgainAfterARefu
   center.post(notification::windowDidShow);
   settle();
   EXPECT_EQ(permission.openPrompts(), 1u);
-}
-
-TEST_F(WindowSelectorModelTest, GrantAtThePromptLoadsAtOnceThenEveryFiveSeconds) {
-  center.post(notification::windowDidShow);
-  scheduler.runUntilIdle();
   permission.answer(true);
   scheduler.runUntilIdle();
   EXPECT_EQ(model.permissionStatusText(), "Autorisée");
   EXPECT_EQ(model.foreground(), Foreground::loading);
-
-  settle();  // the refresh ends about 0.2 s in; the loop ticks 5 s after that
+  settle();
   EXPECT_EQ(model.foreground(), Foreground::grid);
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));  // main first
+  EXPECT_EQ(listed(), (Ids{1, 2}));
+}
 
+// The refresh loop ticks 5 s after the last refresh ended, skips its turns while a display is
+// enlarged, and starts again with either way back.
+TEST_F(WindowSelectorModelTest, TheListRefreshesEveryFiveSecondsOnlyWhileNothingIsSelected) {
+  showWithPermission();  // the refresh ends 0.2 s in
   capture.displays.push_back(third);
   scheduler.advance(Seconds{4});
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));
+  EXPECT_EQ(listed(), (Ids{1, 2}));
   scheduler.advance(Seconds{1});
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2, 3}));
+  EXPECT_EQ(listed(), (Ids{1, 2, 3}));
   // A refresh over a list already shown keeps the grid.
   capture.displays.pop_back();
   scheduler.advance(Seconds{4.25});
   EXPECT_TRUE(model.dm().isLoading.get());
   EXPECT_EQ(model.foreground(), Foreground::grid);
   settle();
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));
-}
+  EXPECT_EQ(listed(), (Ids{1, 2}));
 
-TEST_F(WindowSelectorModelTest, ChoosingACardEnlargesItUntilBackWhileTheListRests) {
-  showWithPermission();
   model.select(model.dm().displays.get()[1]);
   EXPECT_EQ(model.foreground(), Foreground::enlarged);
   EXPECT_EQ(model.enlargedDisplayIndex(), 2);
   EXPECT_TRUE(backButtonVisible);
-
   capture.displays.push_back(third);
   scheduler.advance(Seconds{12});
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));  // no refresh while enlarged
+  EXPECT_EQ(listed(), (Ids{1, 2}));
 
   center.post(notification::backButtonPressed);
   EXPECT_EQ(model.foreground(), Foreground::grid);
   EXPECT_FALSE(backButtonVisible);
   scheduler.advance(Seconds{4.5});
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));
-  scheduler.advance(Seconds{1});  // the loop restarted with the back press
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2, 3}));
+  EXPECT_EQ(listed(), (Ids{1, 2}));
+  scheduler.advance(Seconds{1});
+  EXPECT_EQ(listed(), (Ids{1, 2, 3}));
 
   // The enlarged view's own back action restarts the loop too, without touching the button.
   model.select(second);
@@ -138,38 +126,25 @@ TEST_F(WindowSelectorModelTest, ChoosingACardEnlargesItUntilBackWhileTheListRest
   model.back();
   EXPECT_EQ(model.foreground(), Foreground::grid);
   EXPECT_TRUE(backButtonVisible);
-  scheduler.advance(Seconds{5.5});
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1, 2}));
+  scheduler.advance(Seconds{4.75});  // the earlier loop would have ticked by now
+  EXPECT_EQ(listed(), (Ids{1, 2, 3}));
+  scheduler.advance(Seconds{1});
+  EXPECT_EQ(listed(), (Ids{1, 2}));
 }
 
 TEST_F(WindowSelectorModelTest, SelectedDisplayThatLeavesTheListIsShownAsTheFirst) {
   showWithPermission();
   model.select(second);
-  EXPECT_EQ(model.enlargedDisplayIndex(), 2);
   capture.displays = {mainDisplay};
   center.post(notification::windowDidShow);  // the check refreshes even while enlarged
   settle();
-  EXPECT_EQ(listed(), (std::vector<DisplayID>{1}));
+  EXPECT_EQ(listed(), (Ids{1}));
   EXPECT_EQ(model.foreground(), Foreground::enlarged);
   EXPECT_EQ(model.enlargedDisplayIndex(), 1);
 }
 
-TEST_F(WindowSelectorModelTest, HidingThePanelStopsTheLoopAndEveryTestCapture) {
-  showWithPermission();
-  scheduler.advance(Seconds{4.25});  // the next refresh is testing its first display
-  ASSERT_TRUE(anyStreamRunning());
-  center.post(notification::windowDidHide);
-  EXPECT_FALSE(anyStreamRunning());
-
-  capture.displays.push_back(third);
-  for (int i = 0; i < 30; ++i) {
-    scheduler.advance(Seconds{1});
-    ASSERT_FALSE(anyStreamRunning()) << "at " << scheduler.now().count() << " s";
-  }
-  EXPECT_NE(listed(), (std::vector<DisplayID>{1, 2, 3}));
-}
-
-TEST_F(WindowSelectorModelTest, PanelHiddenBeforeItsFirstRefreshStartsNoCapture) {
+TEST_F(WindowSelectorModelTest, HidingThePanelStopsTheLoopAndEveryTestStream) {
+  // Hidden before its first refresh: nothing is ever captured.
   permission.granted = true;
   center.post(notification::windowDidShow);
   center.post(notification::windowDidHide);
@@ -184,16 +159,29 @@ TEST_F(WindowSelectorModelTest, PanelHiddenBeforeItsFirstRefreshStartsNoCapture)
   capture.displays.push_back(third);
   scheduler.advance(Seconds{20});
   EXPECT_FALSE(anyStreamRunning());
-  EXPECT_EQ(std::count_if(capture.streams.begin(), capture.streams.end(),
-                          [](const auto& s) { return s->display().displayID == 3; }),
-            0);
+  EXPECT_TRUE(std::none_of(capture.streams.begin(), capture.streams.end(),
+                           [](const auto& s) { return s->display().displayID == 3; }));
+
+  // Hidden while a later refresh tests a display: that capture stops at once, and no other
+  // starts.
+  capture.displays.pop_back();
+  showWithPermission();
+  scheduler.advance(Seconds{4.25});
+  ASSERT_TRUE(anyStreamRunning());
+  center.post(notification::windowDidHide);
+  EXPECT_FALSE(anyStreamRunning());
+  capture.displays.push_back(third);
+  for (int i = 0; i < 30; ++i) {
+    scheduler.advance(Seconds{1});
+    ASSERT_FALSE(anyStreamRunning()) << "at " << scheduler.now().count() << " s";
+  }
+  EXPECT_NE(listed(), (Ids{1, 2, 3}));
 }
 
 TEST_F(WindowSelectorModelTest, LosingThePermissionClearsListSelectionAndBackButton) {
   showWithPermission();
   model.select(second);
   permission.granted = false;
-
   panelVisible = false;
   model.applicationDidBecomeActive();  // panel hidden: nothing is checked
   EXPECT_EQ(model.foreground(), Foreground::enlarged);
@@ -205,7 +193,6 @@ TEST_F(WindowSelectorModelTest, LosingThePermissionClearsListSelectionAndBackBut
   EXPECT_FALSE(model.selected->has_value());
   EXPECT_FALSE(backButtonVisible);
   EXPECT_EQ(permission.openPrompts(), 0u);  // becoming active never prompts
-
   capture.displays.push_back(third);
   scheduler.advance(Seconds{20});
   EXPECT_TRUE(listed().empty());
@@ -221,7 +208,7 @@ TEST_F(WindowSelectorModelTest, ViewHearsOfChangesOncePerTurnWithTheNewState) {
   model.select(mainDisplay);
   EXPECT_TRUE(seen.empty());  // not inside the change
   scheduler.runUntilIdle();
-  EXPECT_EQ(seen, (std::vector<Foreground>{Foreground::enlarged}));
+  EXPECT_EQ(seen, std::vector<Foreground>{Foreground::enlarged});
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 #include "support/FakePlatform.h"
 #include "window/TextCase.h"
@@ -13,21 +12,16 @@ namespace {
 using test::FakePanel;
 using test::FakePlatform;
 
-// The editor with one large window, another application in front of it, and the mirror.
-class VisibilityTest : public ::testing::Test {
- protected:
-  VisibilityTest() {
-    editorWindow = platform.windowServer.stacking().front();
-    other = platform.launch("Finder", 300);
-    controller->ensureWindow();
-  }
+// The editor with one large window, another application, and the mirror's controller.
+struct Desk {
+  Desk() { controller->ensureWindow(); }
 
   FakePanel& mirror() const { return *platform.panels.panel(PanelContent::mirror); }
   std::vector<WindowNumber> stacking() const { return platform.windowServer.stacking(); }
-  bool isDirectlyAbove(WindowNumber below) const {
+  bool isDirectlyAboveEditor() const {
     const auto order = stacking();
     const auto at = std::find(order.begin(), order.end(), mirror().windowNumber());
-    return at != order.end() && at + 1 != order.end() && *(at + 1) == below;
+    return at != order.end() && at + 1 != order.end() && *(at + 1) == editorWindow;
   }
   void show() { ASSERT_TRUE(controller->toggleWindow(nullptr)); }
   void frontChanges(const RunningApplication& app) {
@@ -37,87 +31,123 @@ class VisibilityTest : public ::testing::Test {
 
   FakePlatform platform;
   RunningApplication editor = platform.launch("Capture One 23", 200);
-  WindowNumber editorWindow = 0;
-  RunningApplication other;
+  WindowNumber editorWindow = platform.windowServer.stacking().front();
+  RunningApplication other = platform.launch("Finder", 300);
   std::unique_ptr<WindowController> controller =
       std::make_unique<WindowController>(platform.windowControllerPorts());
 };
 
-TEST_F(VisibilityTest, AMirrorTheUserClosedStaysClosedWhateverComesToTheFront) {
-  controller->setPinned(true);
-  show();
-  controller->toggleWindow(nullptr);
-  for (const auto& app : {editor, other, platform.ourApp()}) {
-    frontChanges(app);
-    platform.scheduler.advance(Seconds{1});
-    EXPECT_FALSE(mirror().isVisible()) << *app.localizedName;
+// A mirror the user closed stays closed; an unpinned one leaves with any change of the front
+// application but not for this program's own panels; a pinned one stays beside any.
+TEST(MirrorVisibility, FollowsTheFrontApplication) {
+  enum Front { editor, other, ours };
+  struct Case {
+    bool open, pinned;
+    Front front;
+    bool stays;
+  };
+  const Case cases[] = {
+      {false, true, editor, false}, {false, true, other, false},  {false, true, ours, false},
+      {true, false, ours, true},    {true, false, editor, false}, {true, false, other, false},
+      {true, true, editor, true},   {true, true, other, true},
+  };
+  for (const auto& c : cases) {
+    Desk d;
+    d.controller->setPinned(c.pinned);
+    d.show();
+    if (!c.open) d.controller->toggleWindow(nullptr);
+    d.frontChanges(c.front == editor ? d.editor : c.front == other ? d.other : d.platform.ourApp());
+    d.platform.scheduler.advance(Seconds{1});
+    EXPECT_EQ(d.mirror().isVisible(), c.stays)
+        << "open " << c.open << ", pinned " << c.pinned << ", front " << c.front;
   }
 }
 
-TEST_F(VisibilityTest, AnUnpinnedMirrorLeavesWithTheFrontButNotForThisProgram) {
-  show();
-  frontChanges(platform.ourApp());
-  EXPECT_TRUE(mirror().isVisible());
-  frontChanges(editor);
-  EXPECT_FALSE(mirror().isVisible());
-
-  show();
-  frontChanges(other);
-  EXPECT_FALSE(mirror().isVisible());
-  EXPECT_TRUE(controller->userWantsWindowVisible());
+// Whether the user sees the mirror decides whether a toggle hides it or brings it forward.
+TEST(MirrorVisibility, SeenOnlyWhenShownNotMinimisedNotUnderTheEditorAndNotCovered) {
+  struct Case {
+    const char* name;
+    bool hidden, minimised, editorOver, covered, seen;
+  };
+  const Case cases[] = {
+      {"shown", false, false, false, false, true},
+      {"hidden", true, false, false, false, false},
+      {"minimised", false, true, false, false, false},
+      {"editor in front over part of it", false, false, true, false, false},
+      {"another window over all of it", false, false, false, true, false},
+  };
+  for (const auto& c : cases) {
+    FakePlatform platform;
+    const auto editor = platform.launch("Capture One 23", 200, {500, 0, 1600, 1000});
+    WindowController controller(platform.windowControllerPorts());
+    ASSERT_TRUE(controller.toggleWindow(nullptr));
+    auto& mirror = *platform.panels.panel(PanelContent::mirror);
+    if (c.hidden) mirror.orderOut();
+    mirror.setMiniaturized(c.minimised);
+    if (c.editorOver) platform.workspace.bringToFront(editor);
+    if (c.covered) platform.launch("Finder", 300, {0, 0, 1000, 1000});
+    EXPECT_EQ(controller.isWindowEffectivelyVisible(mirror), c.seen) << c.name;
+    // A toggle hides what the user sees and brings forward what they do not.
+    EXPECT_EQ(controller.toggleWindow(nullptr), !c.seen) << c.name;
+    EXPECT_EQ(platform.windowServer.stacking().front() == mirror.windowNumber(), !c.seen) << c.name;
+  }
 }
 
-TEST_F(VisibilityTest, APinnedMirrorFloatsOverTheEditorAndSinksAboveItWhenAnotherAppIsFront) {
-  controller->setPinned(true);
-  show();
-  frontChanges(editor);
-  EXPECT_EQ(mirror().level(), PanelLevel::floating);
-  platform.scheduler.advance(WindowController::placementDelay);
-  EXPECT_TRUE(isDirectlyAbove(editorWindow));
+// The editor raises its own windows when it comes forward: the pinned mirror is placed above
+// its top window only once that is done, and behind another application only after it too has
+// raised its windows.
+TEST(MirrorVisibility, PinnedMirrorIsPlacedAboveTheEditorAfterTheFrontHasSettled) {
+  Desk d;
+  d.controller->setPinned(true);
+  d.show();
+  d.frontChanges(d.editor);
+  EXPECT_EQ(d.mirror().level(), PanelLevel::floating);
+  d.platform.scheduler.advance(WindowController::placementDelay);
+  EXPECT_TRUE(d.isDirectlyAboveEditor());
 
-  frontChanges(other);
-  platform.scheduler.advance(Seconds{0.049});
-  EXPECT_EQ(mirror().level(), PanelLevel::floating);
-  EXPECT_EQ(stacking().front(), mirror().windowNumber());
-  platform.scheduler.advance(Seconds{0.001});
-  EXPECT_EQ(mirror().level(), PanelLevel::normal);
-  EXPECT_TRUE(isDirectlyAbove(editorWindow));
-  EXPECT_NE(stacking().front(), mirror().windowNumber());
-  EXPECT_FALSE(controller->lastFrontAppWasCaptureOne());
-  EXPECT_TRUE(controller->wasVisibleBeforeLeavingCaptureOne());
+  d.frontChanges(d.other);
+  d.platform.scheduler.advance(Seconds{0.049});
+  EXPECT_EQ(d.mirror().level(), PanelLevel::floating);
+  EXPECT_EQ(d.stacking().front(), d.mirror().windowNumber());
+  d.platform.scheduler.advance(Seconds{0.001});
+  EXPECT_EQ(d.mirror().level(), PanelLevel::normal);
+  EXPECT_TRUE(d.isDirectlyAboveEditor());
+  EXPECT_NE(d.stacking().front(), d.mirror().windowNumber());
 }
 
-TEST_F(VisibilityTest, APlacementStillPendingWhenTheControllerGoesAwayDoesNothing) {
-  controller->setPinned(true);
-  show();
-  frontChanges(other);
-  auto expected = stacking();
-  std::erase(expected, mirror().windowNumber());
-  platform.scheduler.advance(Seconds{0.03});
-  controller.reset();
-  platform.scheduler.advance(Seconds{1});
-  EXPECT_EQ(stacking(), expected);
+TEST(MirrorVisibility, APlacementStillPendingWhenTheControllerGoesAwayDoesNothing) {
+  Desk d;
+  d.controller->setPinned(true);
+  d.show();
+  d.frontChanges(d.other);
+  auto expected = d.stacking();
+  std::erase(expected, d.mirror().windowNumber());
+  d.platform.scheduler.advance(Seconds{0.03});
+  d.controller.reset();
+  d.platform.scheduler.advance(Seconds{1});
+  EXPECT_EQ(d.stacking(), expected);
 }
 
-TEST_F(VisibilityTest, PinningWhileTheEditorIsFrontKeepsTheMirrorAndUnpinningHidesIt) {
-  frontChanges(editor);
-  show();
-  auto* pin = mirror().button(PanelCorner::topTrailing);
+TEST(MirrorVisibility, PinningWhileTheEditorIsFrontKeepsTheMirrorAndUnpinningHidesIt) {
+  Desk d;
+  d.frontChanges(d.editor);
+  d.show();
+  auto* pin = d.mirror().button(PanelCorner::topTrailing);
   ASSERT_NE(pin, nullptr);
-  EXPECT_EQ(pin->symbol(), "pin.slash");
+  EXPECT_EQ(pin->symbol, "pin.slash");
 
   pin->click();
-  EXPECT_TRUE(WindowController(platform.windowControllerPorts()).isPinned());
-  EXPECT_EQ(mirror().level(), PanelLevel::floating);
-  EXPECT_TRUE(isDirectlyAbove(editorWindow));
-  EXPECT_EQ(pin->symbol(), "pin.fill");
-  EXPECT_EQ(pin->tint(), ButtonTint::controlAccent);
+  EXPECT_TRUE(WindowController(d.platform.windowControllerPorts()).isPinned());  // saved
+  EXPECT_EQ(d.mirror().level(), PanelLevel::floating);
+  EXPECT_TRUE(d.isDirectlyAboveEditor());
+  EXPECT_EQ(pin->symbol, "pin.fill");
+  EXPECT_EQ(pin->tint, ButtonTint::controlAccent);
 
   pin->click();
-  EXPECT_FALSE(platform.defaults.boolean("secondaryWindowPinned"));
-  EXPECT_FALSE(mirror().isVisible());
-  EXPECT_EQ(pin->symbol(), "pin.slash");
-  EXPECT_EQ(pin->tint(), ButtonTint::secondaryLabel);
+  EXPECT_FALSE(d.platform.defaults.boolean("secondaryWindowPinned"));
+  EXPECT_FALSE(d.mirror().isVisible());
+  EXPECT_EQ(pin->symbol, "pin.slash");
+  EXPECT_EQ(pin->tint, ButtonTint::secondaryLabel);
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 //                 [--palette 40x40+950+100] [--color 336699]
 //
 // stdout, one line each, flushed at once:
-//   window <main window id> [<palette id>]   once the windows are created
+//   window <main window id> <palette id or 0x0>   once the windows are created
 //   click <button> <root x> <root y> <window id>
-//   key <keysym name or code>
+//   key <keysym, hex>
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
@@ -16,9 +16,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -57,28 +55,14 @@ Options parse(int argc, char** argv) {
   return o;
 }
 
-xcb_atom_t intern(xcb_connection_t* c, const char* name) {
-  auto* reply = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, std::strlen(name), name), nullptr);
-  xcb_atom_t atom = XCB_ATOM_NONE;
-  if (reply) atom = reply->atom;
-  std::free(reply);
-  return atom;
-}
-
-// Title, class, owner, protocols and a position of the user's choosing (ICCCM 4.1.2, USPosition),
-// as a regular application sets them.
+// Title, class, owner, input hint and a position of the user's choosing (ICCCM 4.1.2,
+// USPosition), as a regular application sets them.
 void describe(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_window_t w, const Options& o,
               const Geometry& g) {
-  xcb_icccm_set_wm_name(c, w, XCB_ATOM_STRING, 8, o.title.size(), o.title.c_str());
   xcb_ewmh_set_wm_name(&ewmh, w, o.title.size(), o.title.c_str());
   const std::string wmClass = o.instance + '\0' + o.className + '\0';
   xcb_icccm_set_wm_class(c, w, wmClass.size(), wmClass.c_str());
   xcb_ewmh_set_wm_pid(&ewmh, w, static_cast<std::uint32_t>(getpid()));
-  char host[256] = {};
-  gethostname(host, sizeof host - 1);
-  xcb_icccm_set_wm_client_machine(c, w, XCB_ATOM_STRING, 8, std::strlen(host), host);
-  xcb_atom_t protocols[] = {intern(c, "WM_DELETE_WINDOW")};
-  xcb_icccm_set_wm_protocols(c, w, ewmh.WM_PROTOCOLS, 1, protocols);
   xcb_icccm_wm_hints_t hints{};
   xcb_icccm_wm_hints_set_input(&hints, 1);
   xcb_icccm_wm_hints_set_normal(&hints);
@@ -110,7 +94,7 @@ void report(const char* format, auto... args) {
   std::fflush(stdout);
 }
 
-void run(xcb_connection_t* c, xcb_key_symbols_t* keys, xcb_atom_t deleteWindow) {
+void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
   while (xcb_generic_event_t* event = xcb_wait_for_event(c)) {
     const auto type = event->response_type & 0x7f;
     if (type == XCB_BUTTON_PRESS) {
@@ -119,11 +103,6 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys, xcb_atom_t deleteWindow) 
     } else if (type == XCB_KEY_PRESS) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
       report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
-    } else if (type == XCB_CLIENT_MESSAGE &&
-               reinterpret_cast<xcb_client_message_event_t*>(event)->data.data32[0] ==
-                   deleteWindow) {
-      std::free(event);
-      return;
     }
     std::free(event);
   }
@@ -146,15 +125,8 @@ int main(int argc, char** argv) {
   const xcb_window_t palette =
       options.palette.empty() ? XCB_NONE : open(c, ewmh, screen, options, options.palette);
   xcb_flush(c);
-  if (palette != XCB_NONE) {
-    report("window 0x%x 0x%x", main, palette);
-  } else {
-    report("window 0x%x", main);
-  }
+  report("window 0x%x 0x%x", main, palette);
   xcb_key_symbols_t* keys = xcb_key_symbols_alloc(c);
-  run(c, keys, intern(c, "WM_DELETE_WINDOW"));
-  xcb_key_symbols_free(keys);
-  xcb_ewmh_connection_wipe(&ewmh);
-  xcb_disconnect(c);
+  run(c, keys);
   return 0;
 }

@@ -18,14 +18,12 @@ TEST_F(OrletTest, ButtonAndMirrorFramesSurviveARestart) {
     return savedAs(setting("buttonWindowX"), 200) && savedAs(setting("buttonWindowY"), 400);
   }));
 
-  click(centreOf(b));
-  ASSERT_TRUE(eventually([&] { return isShown(mirror()); }));
-  const auto shown = rectOf(*mirror());
+  const auto shown = showMirror();
   drag({shown.x + 300, shown.y + 200}, {shown.x + 420, shown.y + 260});  // by its background
   // The window manager may still be catching up with the pointer: wait until it stops.
   WindowRect moved;
   ASSERT_TRUE(eventually([&] {
-    const auto now = rectOf(*mirror());
+    const auto now = rectOf(mirror());
     const bool settled = now.x != shown.x && now == moved;
     moved = now;
     return settled;
@@ -33,7 +31,7 @@ TEST_F(OrletTest, ButtonAndMirrorFramesSurviveARestart) {
   const Spot corner{moved.x + moved.width - 2, moved.y + moved.height - 2};
   drag(corner, {corner.x - 100, corner.y - 100});  // by its bottom-right grip
   EXPECT_TRUE(eventually([&] {
-    moved = rectOf(*mirror());
+    moved = rectOf(mirror());
     return moved.width != shown.width && moved.height != shown.height &&
            savedAs(setting("secondaryWindowPositionX"), moved.x) &&
            savedAs(setting("secondaryWindowPositionY"), moved.y) &&
@@ -45,9 +43,8 @@ TEST_F(OrletTest, ButtonAndMirrorFramesSurviveARestart) {
   EXPECT_EQ(quitThroughMenu(), 0);
   startOrlet();
   EXPECT_EQ(rectOf(button()), b);
-  click(centreOf(b));
-  ASSERT_TRUE(eventually([&] { return isShown(mirror()); }));
-  EXPECT_TRUE(eventually([&] { return rectOf(*mirror()) == moved; }));
+  showMirror();
+  EXPECT_TRUE(eventually([&] { return rectOf(mirror()) == moved; }));
 }
 
 }  // namespace

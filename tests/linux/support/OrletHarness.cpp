@@ -1,0 +1,171 @@
+#include "OrletHarness.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace orlet::x11test {
+namespace fs = std::filesystem;
+
+void OrletTest::SetUp() {
+  session_ = std::make_unique<XSession>();
+  x_ = std::make_unique<XProbe>(session_->display());
+  std::string pattern = (fs::temp_directory_path() / "orlet-x11-home-XXXXXX").string();
+  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+  home_ = pattern;
+  fs::create_directories(home_ / "run");
+  fs::permissions(home_ / "run", fs::perms::owner_all);
+  // Names the editor stand-in the way an installed editor is named: by its desktop entry.
+  fs::create_directories(home_ / "data" / "applications");
+  std::ofstream(home_ / "data" / "applications" / "com.captureone.CaptureOne.desktop")
+      << "[Desktop Entry]\nType=Application\nName=Capture One 23\nExec=true\n"
+         "StartupWMClass=CaptureOne\n";
+  editor_ = startStandIn("editor", {"--class", "CaptureOne", "--instance", "captureone", "--title",
+                                    "Capture One 23", "--geometry", "800x600+300+200", "--palette",
+                                    "40x40+1250+150", "--color", "4a6078"});
+  other_ = startStandIn(
+      "other", {"--class", "OtherApp", "--instance", "otherapp", "--title", "Other application",
+                "--geometry", "700x500+600+350", "--color", "8a4a30"});
+  ASSERT_NE(editorWindow_, XCB_NONE);
+  ASSERT_NE(otherWindow_, XCB_NONE);
+  activate(editorWindow_);
+}
+
+void OrletTest::TearDown() {
+  orlet_.reset();
+  editor_.reset();
+  other_.reset();
+  x_.reset();
+  session_.reset();
+  std::error_code ignored;
+  fs::remove_all(home_, ignored);
+}
+
+// The stand-in prints "window <main> [<palette>]" once its windows exist.
+std::unique_ptr<Process> OrletTest::startStandIn(const std::string& name,
+                                                 std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), ORLET_STANDIN_BINARY);
+  auto process = std::make_unique<Process>(
+      arguments, std::map<std::string, std::string>{{"DISPLAY", session_->display()}},
+      (home_ / (name + ".log")).string());
+  unsigned main = 0, palette = 0;
+  if (eventually([&] { return process->output().find("window 0x") != std::string::npos; })) {
+    const auto output = process->output();
+    std::sscanf(output.c_str() + output.find("window "), "window %x %x", &main, &palette);
+  }
+  const auto managed = [&](xcb_window_t w) {
+    const auto list = x_->clientList();
+    return std::find(list.begin(), list.end(), w) != list.end();
+  };
+  eventually([&] { return managed(main) && (palette == 0 || managed(palette)); });
+  (name == "editor" ? editorWindow_ : otherWindow_) = main;
+  if (name == "editor") paletteWindow_ = palette;
+  return process;
+}
+
+// A fresh configuration and data home; no D-Bus session, so the tray is trayer's XEmbed one.
+void OrletTest::startOrlet() {
+  const std::map<std::string, std::string> environment{
+      {"DISPLAY", session_->display()},
+      {"HOME", home_.string()},
+      {"XDG_CONFIG_HOME", (home_ / "config").string()},
+      {"XDG_DATA_HOME", (home_ / "data").string()},
+      {"XDG_RUNTIME_DIR", (home_ / "run").string()},
+      {"DBUS_SESSION_BUS_ADDRESS", ""},
+      {"WAYLAND_DISPLAY", ""},
+  };
+  const auto log = home_ / ("orlet-" + std::to_string(++orletRuns_) + ".log");
+  orlet_ = std::make_unique<Process>(std::vector<std::string>{ORLET_BINARY}, environment, log);
+  ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
+}
+
+std::optional<int> OrletTest::quitThroughMenu() {
+  click(centreOf(rectOf(button())), 3);
+  if (!eventually([&] { return popup().has_value(); })) return std::nullopt;
+  const auto menu = rectOf(*popup());
+  click({menu.x + menu.width / 2, menu.y + menu.height - 12});  // "Quitter", the last entry
+  return orlet_->waitForExit(5s);
+}
+
+xcb_window_t OrletTest::orletWindow(bool (*fits)(const WindowRect&)) {
+  if (!orlet_) return XCB_NONE;
+  for (auto w : x_->topLevelsOf(orlet_->pid())) {
+    if (fits(x_->rect(w)) && !x_->isOverrideRedirect(w)) return w;
+  }
+  return XCB_NONE;
+}
+
+xcb_window_t OrletTest::button() {
+  return orletWindow([](const WindowRect& r) { return r.width == 40 && r.height == 40; });
+}
+
+xcb_window_t OrletTest::mirror() {
+  return orletWindow([](const WindowRect& r) { return r.width >= 200 && r.height >= 100; });
+}
+
+WindowRect OrletTest::showMirror() {
+  click(centreOf(rectOf(button())));
+  EXPECT_TRUE(eventually([&] { return isShown(mirror()); }));
+  return rectOf(mirror());
+}
+
+std::optional<xcb_window_t> OrletTest::popup() {
+  for (auto w : x_->topLevelsOf(orlet_->pid())) {
+    if (x_->isOverrideRedirect(w) && x_->isViewable(w)) return w;
+  }
+  return std::nullopt;
+}
+
+void OrletTest::xdotool(const std::string& arguments) {
+  const std::string command = "DISPLAY=" + session_->display() + " xdotool " + arguments;
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+// One xdotool run: the server handles the warp before the button, so no waiting is needed (and
+// "--sync" would wait in vain for motion when the pointer is already there).
+void OrletTest::click(Spot at, int button) {
+  xdotool("mousemove " + std::to_string(at.x) + " " + std::to_string(at.y) + " click " +
+          std::to_string(button));
+}
+
+// In steps, as a hand would, so that whoever follows the drag (the panel itself, or the window
+// manager once the panel has handed it a move or resize) sees motion all the way.
+void OrletTest::drag(Spot from, Spot to) {
+  const auto moveTo = [this](int x, int y) {
+    xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+  };
+  moveTo(from.x, from.y);
+  xdotool("mousedown 1");
+  constexpr int steps = 12;
+  for (int i = 1; i <= steps; ++i) {
+    moveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
+  }
+  moveTo(to.x + 1, to.y);
+  moveTo(to.x, to.y);
+  xdotool("mouseup 1");
+}
+
+void OrletTest::activate(xcb_window_t window) {
+  xdotool("windowactivate --sync " + std::to_string(window));
+  ASSERT_TRUE(eventually([&] { return x_->activeWindow() == window; }));
+}
+
+void OrletTest::raise(xcb_window_t window) {
+  xdotool("windowraise " + std::to_string(window));
+}
+
+bool OrletTest::editorReceivesKey(const std::string& name, const std::string& keysym) {
+  xdotool("key " + name);
+  return eventually([&] { return editor_->output().find("key " + keysym) != std::string::npos; });
+}
+
+std::optional<std::string> OrletTest::setting(const std::string& key) const {
+  std::ifstream in(home_ / "config" / "orlet" / "orlet.ini");
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.rfind(key + "=", 0) == 0) return line.substr(key.size() + 1);
+  }
+  return std::nullopt;
+}
+
+}  // namespace orlet::x11test

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Session.h"
+#include "XProbe.h"
+
+namespace orlet::x11test {
+
+struct Spot {
+  int x = 0, y = 0;
+};
+
+inline Spot centreOf(const WindowRect& r) {
+  return {r.x + r.width / 2, r.y + r.height / 2};
+}
+
+// ORLET on its own X session, beside a stand-in "Capture One 23" (main window and a small
+// palette) and a stand-in other application, with fresh XDG directories.
+class OrletTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Starts ORLET and waits for its floating button.
+  void startOrlet();
+  // Quits ORLET through "Quitter" in its status menu; its exit status.
+  std::optional<int> quitThroughMenu();
+
+  xcb_window_t button();
+  // The mirror window once ORLET has created it (mapped or not), XCB_NONE before.
+  xcb_window_t mirror();
+  // Clicks the button and waits for the mirror; where it is shown.
+  WindowRect showMirror();
+  // A shown menu or popover of ORLET's.
+  std::optional<xcb_window_t> popup();
+  bool isShown(xcb_window_t window) { return x_->isViewable(window); }
+  WindowRect rectOf(xcb_window_t window) { return x_->rect(window); }
+
+  void click(Spot at, int button = 1);
+  void drag(Spot from, Spot to);
+  void activate(xcb_window_t window);
+  void raise(xcb_window_t window);
+  // Sends a key and waits until the editor logs it: it still has the keyboard focus.
+  bool editorReceivesKey(const std::string& name, const std::string& keysym);
+
+  std::optional<std::string> setting(const std::string& key) const;
+
+  std::unique_ptr<XSession> session_;
+  std::unique_ptr<XProbe> x_;
+  std::filesystem::path home_;
+  std::unique_ptr<Process> editor_, other_, orlet_;
+  xcb_window_t editorWindow_ = XCB_NONE, paletteWindow_ = XCB_NONE, otherWindow_ = XCB_NONE;
+
+ private:
+  std::unique_ptr<Process> startStandIn(const std::string& name,
+                                        std::vector<std::string> arguments);
+  xcb_window_t orletWindow(bool (*fits)(const WindowRect&));
+  void xdotool(const std::string& arguments);
+  int orletRuns_ = 0;
+};
+
+}  // namespace orlet::x11test

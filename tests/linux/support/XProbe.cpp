@@ -1,0 +1,205 @@
+#include "XProbe.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace orlet::x11test {
+namespace {
+
+struct Free {
+  void operator()(void* p) const { std::free(p); }
+};
+template <class T>
+using Reply = std::unique_ptr<T, Free>;
+
+}  // namespace
+
+XProbe::XProbe(const std::string& display) {
+  int screen = 0;
+  c_ = xcb_connect(display.empty() ? nullptr : display.c_str(), &screen);
+  if (xcb_connection_has_error(c_)) throw std::runtime_error("cannot connect to " + display);
+  xcb_ewmh_init_atoms_replies(&ewmh_, xcb_ewmh_init_atoms(c_, &ewmh_), nullptr);
+  screen_ = ewmh_.screens[screen];
+}
+
+XProbe::~XProbe() {
+  xcb_ewmh_connection_wipe(&ewmh_);
+  xcb_disconnect(c_);
+}
+
+// Reads a 32-bit list property (WINDOW, ATOM, CARDINAL) whatever its type; empty when absent.
+std::vector<std::uint32_t> XProbe::property(xcb_window_t window, xcb_atom_t name) {
+  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+      c_, xcb_get_property(c_, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 1024), nullptr));
+  if (!reply || reply->format != 32) return {};
+  const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  return {values, values + xcb_get_property_value_length(reply.get()) / 4};
+}
+
+xcb_window_t XProbe::activeWindow() {
+  const auto active = property(screen_->root, ewmh_._NET_ACTIVE_WINDOW);
+  return active.empty() ? XCB_NONE : active[0];
+}
+
+std::vector<xcb_window_t> XProbe::clientList() {
+  return property(screen_->root, ewmh_._NET_CLIENT_LIST);
+}
+
+bool XProbe::has(xcb_window_t window, xcb_atom_t name, xcb_atom_t value) {
+  const auto list = property(window, name);
+  return std::find(list.begin(), list.end(), value) != list.end();
+}
+
+bool XProbe::isDock(xcb_window_t window) {
+  return has(window, ewmh_._NET_WM_WINDOW_TYPE, ewmh_._NET_WM_WINDOW_TYPE_DOCK);
+}
+
+std::vector<xcb_window_t> XProbe::visibleStacking() {
+  auto list = property(screen_->root, ewmh_._NET_CLIENT_LIST_STACKING);
+  std::erase_if(list, [this](xcb_window_t w) {
+    return isDock(w) || !isViewable(w) || hasState(w, ewmh_._NET_WM_STATE_HIDDEN);
+  });
+  return list;
+}
+
+std::vector<xcb_window_t> XProbe::children(xcb_window_t parent) {
+  Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(c_, xcb_query_tree(c_, parent), nullptr));
+  if (!tree) return {};
+  const auto* begin = xcb_query_tree_children(tree.get());
+  return {begin, begin + xcb_query_tree_children_length(tree.get())};
+}
+
+// Managed windows live inside the window manager's frames, withdrawn ones on the root.
+std::vector<xcb_window_t> XProbe::topLevelsOf(pid_t pid) {
+  auto candidates = children(screen_->root);
+  for (auto w : clientList()) {
+    if (std::find(candidates.begin(), candidates.end(), w) == candidates.end()) {
+      candidates.push_back(w);
+    }
+  }
+  std::erase_if(candidates, [&](xcb_window_t w) { return pidOf(w) != pid; });
+  return candidates;
+}
+
+std::vector<xcb_window_t> XProbe::descendantsOf(xcb_window_t ancestor, pid_t pid) {
+  std::vector<xcb_window_t> owned;
+  for (auto w : children(ancestor)) {
+    if (pidOf(w) == pid) owned.push_back(w);
+    for (auto d : descendantsOf(w, pid)) owned.push_back(d);
+  }
+  return owned;
+}
+
+std::optional<xcb_window_t> XProbe::trayPanel() {
+  for (auto w : clientList()) {
+    if (isDock(w)) return w;
+  }
+  return std::nullopt;
+}
+
+bool XProbe::isViewable(xcb_window_t window) {
+  Reply<xcb_get_window_attributes_reply_t> a(
+      xcb_get_window_attributes_reply(c_, xcb_get_window_attributes(c_, window), nullptr));
+  return a && a->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+bool XProbe::isOverrideRedirect(xcb_window_t window) {
+  Reply<xcb_get_window_attributes_reply_t> a(
+      xcb_get_window_attributes_reply(c_, xcb_get_window_attributes(c_, window), nullptr));
+  return a && a->override_redirect;
+}
+
+bool XProbe::hasState(xcb_window_t window, xcb_atom_t state) {
+  return has(window, ewmh_._NET_WM_STATE, state);
+}
+
+std::optional<std::uint32_t> XProbe::desktop(xcb_window_t window) {
+  const auto desktop = property(window, ewmh_._NET_WM_DESKTOP);
+  return desktop.empty() ? std::nullopt : std::optional(desktop[0]);
+}
+
+WindowRect XProbe::rect(xcb_window_t window) {
+  Reply<xcb_get_geometry_reply_t> g(
+      xcb_get_geometry_reply(c_, xcb_get_geometry(c_, window), nullptr));
+  Reply<xcb_translate_coordinates_reply_t> t(xcb_translate_coordinates_reply(
+      c_, xcb_translate_coordinates(c_, window, screen_->root, 0, 0), nullptr));
+  if (!g || !t) return {};
+  return {t->dst_x, t->dst_y, g->width, g->height};
+}
+
+std::optional<pid_t> XProbe::pidOf(xcb_window_t window) {
+  const auto pid = property(window, ewmh_._NET_WM_PID);
+  return pid.empty() ? std::nullopt : std::optional(static_cast<pid_t>(pid[0]));
+}
+
+xcb_window_t XProbe::paint(const WindowRect& r, std::uint32_t rgb) {
+  const xcb_window_t id = xcb_generate_id(c_);
+  const std::uint32_t values[] = {rgb, 1};
+  xcb_create_window(c_, XCB_COPY_FROM_PARENT, id, screen_->root, std::int16_t(r.x),
+                    std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
+                    XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+  xcb_map_window(c_, id);
+  const std::uint32_t below = XCB_STACK_MODE_BELOW;
+  xcb_configure_window(c_, id, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+  sync();
+  return id;
+}
+
+void XProbe::fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb) {
+  const xcb_gcontext_t gc = xcb_generate_id(c_);
+  xcb_create_gc(c_, gc, window, XCB_GC_FOREGROUND, &rgb);
+  const xcb_rectangle_t rect{std::int16_t(r.x), std::int16_t(r.y), std::uint16_t(r.width),
+                             std::uint16_t(r.height)};
+  xcb_poly_fill_rectangle(c_, window, gc, 1, &rect);
+  xcb_free_gc(c_, gc);
+  sync();
+}
+
+std::uint32_t XProbe::pixel(int x, int y) {
+  Reply<xcb_get_image_reply_t> image(
+      xcb_get_image_reply(c_,
+                          xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root,
+                                        std::int16_t(x), std::int16_t(y), 1, 1, ~0u),
+                          nullptr));
+  if (!image || xcb_get_image_data_length(image.get()) < 4) return 0;
+  return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())) & 0xFFFFFF;
+}
+
+xcb_randr_output_t XProbe::output(const std::string& name) {
+  Reply<xcb_randr_get_screen_resources_current_reply_t> resources(
+      xcb_randr_get_screen_resources_current_reply(
+          c_, xcb_randr_get_screen_resources_current(c_, screen_->root), nullptr));
+  if (!resources) return XCB_NONE;
+  const auto* outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+  for (int i = 0; i < xcb_randr_get_screen_resources_current_outputs_length(resources.get()); ++i) {
+    Reply<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
+        c_, xcb_randr_get_output_info(c_, outputs[i], XCB_CURRENT_TIME), nullptr));
+    if (!info) continue;
+    const auto* text = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get()));
+    if (std::string(text, xcb_randr_get_output_info_name_length(info.get())) == name) {
+      return outputs[i];
+    }
+  }
+  return XCB_NONE;
+}
+
+void XProbe::setOutputBytes(xcb_randr_output_t output, const std::string& name,
+                            const std::vector<std::uint8_t>& bytes) {
+  Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+      c_, xcb_intern_atom(c_, 0, std::uint16_t(name.size()), name.c_str()), nullptr));
+  Reply<xcb_generic_error_t> error(xcb_request_check(
+      c_, xcb_randr_change_output_property_checked(
+              c_, output, atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE}, XCB_ATOM_INTEGER, 8,
+              XCB_PROP_MODE_REPLACE, std::uint32_t(bytes.size()), bytes.data())));
+  if (error) throw std::runtime_error("cannot set output property " + name);
+}
+
+// A round trip: every request sent before it has been handled when it returns.
+void XProbe::sync() {
+  std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+}
+
+}  // namespace orlet::x11test

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <sys/types.h>
+#include <xcb/randr.h>
+#include <xcb/xcb.h>
+#include <xcb/xcb_ewmh.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orlet::x11test {
+
+struct WindowRect {
+  int x = 0, y = 0, width = 0, height = 0;  // root coordinates, decorations excluded
+  bool operator==(const WindowRect&) const = default;
+};
+
+// A client of its own on the test's X server: reads what the server and the window manager say,
+// independently of the code under test, and draws on the screen as another application would.
+// Its windows go away with its connection.
+class XProbe {
+ public:
+  // `display`: empty for $DISPLAY.
+  explicit XProbe(const std::string& display = {});
+  XProbe(const XProbe&) = delete;
+  XProbe& operator=(const XProbe&) = delete;
+  ~XProbe();
+
+  xcb_ewmh_connection_t& ewmh() { return ewmh_; }
+
+  xcb_window_t activeWindow();
+  std::vector<xcb_window_t> clientList();
+  // _NET_CLIENT_LIST_STACKING, bottom to top, keeping only windows the user sees: viewable, not
+  // minimised, not docks.
+  std::vector<xcb_window_t> visibleStacking();
+  // Top-level windows that `pid` owns, mapped or not.
+  std::vector<xcb_window_t> topLevelsOf(pid_t pid);
+  // Windows anywhere below `ancestor` that `pid` owns.
+  std::vector<xcb_window_t> descendantsOf(xcb_window_t ancestor, pid_t pid);
+  // The tray host's panel: the dock window among the managed ones.
+  std::optional<xcb_window_t> trayPanel();
+
+  bool isViewable(xcb_window_t window);
+  bool isOverrideRedirect(xcb_window_t window);
+  bool hasState(xcb_window_t window, xcb_atom_t state);
+  std::optional<std::uint32_t> desktop(xcb_window_t window);
+  WindowRect rect(xcb_window_t window);  // empty when the window is gone
+
+  // An unmanaged window filled with `rgb` (0xRRGGBB), kept below every other window.
+  xcb_window_t paint(const WindowRect& r, std::uint32_t rgb);
+  void fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb);
+  // The screen's pixel at root x, y as 0xRRGGBB.
+  std::uint32_t pixel(int x, int y);
+
+  // The RandR output named `name` (a connector such as DUMMY1), XCB_NONE if there is none.
+  xcb_randr_output_t output(const std::string& name);
+  // Replaces (or creates) a byte-array output property; throws when the server refuses.
+  void setOutputBytes(xcb_randr_output_t output, const std::string& name,
+                      const std::vector<std::uint8_t>& bytes);
+
+ private:
+  std::vector<xcb_window_t> children(xcb_window_t parent);
+  std::vector<std::uint32_t> property(xcb_window_t window, xcb_atom_t name);
+  bool has(xcb_window_t window, xcb_atom_t name, xcb_atom_t value);
+  bool isDock(xcb_window_t window);
+  std::optional<pid_t> pidOf(xcb_window_t window);
+  void sync();
+
+  xcb_connection_t* c_;
+  xcb_ewmh_connection_t ewmh_{};
+  xcb_screen_t* screen_ = nullptr;
+};
+
+}  // namespace orlet::x11test
