@@ -18,7 +18,7 @@ packages=(
   libgtest-dev libgmock-dev
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,
   # tools the integration tests drive it with, and fonts and icons for what is drawn
-  xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer
+  xserver-xorg-core libgl1-mesa-dri xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer
   xdotool imagemagick fonts-dejavu-core adwaita-icon-theme
 )
 if [[ ${1:-} == --bench ]]; then
