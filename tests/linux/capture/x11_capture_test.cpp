@@ -1,13 +1,13 @@
 // The capture engine against a real X server: an Xorg dummy session with DUMMY0 1920x1080 at
 // 0,0 (primary) and DUMMY1 2560x1440 at 1920,0, started for this test on its own display.
 #include <gtest/gtest.h>
-#include <xcb/xcb.h>
 
 #include <cstdlib>
 #include <memory>
 #include <string>
 
 #include "LoopScheduler.h"
+#include "XProbe.h"
 #include "capture/DisplayManager.h"
 #include "capture/VideoCaptureManager.h"
 #include "linux/capture/X11CaptureService.h"
@@ -22,73 +22,13 @@ int shell(const std::string& command) {
   return std::system(("DISPLAY=" + std::string(displayName) + " " + command).c_str());
 }
 
-// Our own client, drawing what the capture must see.
-class Painter {
- public:
-  Painter() : connection_(xcb_connect(displayName, nullptr)) {
-    screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
-  }
-  ~Painter() { xcb_disconnect(connection_); }
-
-  // A mapped window at root position x, y filled with `rgb`, placed exactly (override-redirect).
-  xcb_window_t window(int x, int y, int width, int height, std::uint32_t rgb) {
-    const xcb_window_t id = xcb_generate_id(connection_);
-    const std::uint32_t values[] = {rgb, 1};
-    xcb_create_window(connection_, XCB_COPY_FROM_PARENT, id, screen_->root, std::int16_t(x),
-                      std::int16_t(y), std::uint16_t(width), std::uint16_t(height), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-    xcb_map_window(connection_, id);
-    sync();
-    return id;
-  }
-
-  void fill(xcb_window_t window, int x, int y, int width, int height, std::uint32_t rgb) {
-    const xcb_gcontext_t gc = xcb_generate_id(connection_);
-    xcb_create_gc(connection_, gc, window, XCB_GC_FOREGROUND, &rgb);
-    const xcb_rectangle_t rect{std::int16_t(x), std::int16_t(y), std::uint16_t(width),
-                               std::uint16_t(height)};
-    xcb_poly_fill_rectangle(connection_, window, gc, 1, &rect);
-    xcb_free_gc(connection_, gc);
-    sync();
-  }
-
-  void destroy(xcb_window_t window) {
-    xcb_destroy_window(connection_, window);
-    sync();
-  }
-
-  // The root's pixels in a rectangle, as 0x00RRGGBB, row by row.
-  std::vector<std::uint32_t> read(int x, int y, int width, int height) {
-    auto* reply = xcb_get_image_reply(
-        connection_,
-        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(x),
-                      std::int16_t(y), std::uint16_t(width), std::uint16_t(height), ~0u),
-        nullptr);
-    std::vector<std::uint32_t> pixels(std::size_t(width) * height);
-    if (reply) {
-      const auto* data = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply));
-      for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = data[i] & 0xFFFFFF;
-      std::free(reply);
-    }
-    return pixels;
-  }
-
- private:
-  void sync() {
-    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-  }
-  xcb_connection_t* connection_;
-  xcb_screen_t* screen_;
-};
-
 std::uint32_t rgb(const FrameRef& frame, int x, int y) {
   return frame->pixel(x, y) & 0xFFFFFF;
 }
 
-bool sameAsScreen(const FrameRef& frame, Painter& painter, const Display& display) {
+bool sameAsScreen(const FrameRef& frame, x11test::XProbe& painter, const Display& display) {
   const auto screen =
-      painter.read(int(display.frame.x), int(display.frame.y), display.width, display.height);
+      painter.pixels({int(display.frame.x), int(display.frame.y), display.width, display.height});
   for (int y = 0; y < frame->height(); ++y) {
     for (int x = 0; x < frame->width(); ++x) {
       if (rgb(frame, x, y) != screen[std::size_t(y) * display.width + x]) return false;
@@ -120,7 +60,7 @@ class X11CaptureTest : public ::testing::Test {
   std::unique_ptr<linux_capture::X11CaptureService> service =
       std::make_unique<linux_capture::X11CaptureService>(scheduler, displayName);
   DisplayManager displays{scheduler, *service};
-  Painter painter;
+  x11test::XProbe painter{displayName};
   Display primary;
   Display secondary;
 };
@@ -137,7 +77,7 @@ TEST_F(X11CaptureTest, ListsEachMonitorOnceWithTheRandrPrimaryFirst) {
 }
 
 TEST_F(X11CaptureTest, FramesShowWhatWasDrawnOnTheirDisplayOnlyAndFollowChanges) {
-  const xcb_window_t window = painter.window(1920 + 100, 50, 300, 200, 0xFF8000);
+  const xcb_window_t window = painter.paint({1920 + 100, 50, 300, 200}, 0xFF8000);
   VideoCaptureManager right(scheduler, *service);
   VideoCaptureManager left(scheduler, *service);
   right.startCapture(secondary);
@@ -158,14 +98,14 @@ TEST_F(X11CaptureTest, FramesShowWhatWasDrawnOnTheirDisplayOnlyAndFollowChanges)
   EXPECT_TRUE(sameAsScreen(left.currentFrame.get(), painter, primary));
 
   // A small change arrives as a new frame; the frame the view holds does not change under it.
-  painter.fill(window, 10, 10, 16, 16, 0x0000FF);
+  painter.fill(window, {10, 10, 16, 16}, 0x0000FF);
   ASSERT_TRUE(scheduler.pumpUntil(
       [&] { return rgb(right.currentFrame.get(), 100 + 10, 50 + 10) == 0x0000FF; }, patience));
   EXPECT_EQ(rgb(first, 110, 60), 0xFF8000u);
   EXPECT_TRUE(sameAsScreen(right.currentFrame.get(), painter, secondary));
 
   // Changes straddling both displays: each frame holds exactly its own part.
-  const xcb_window_t across = painter.window(1800, 600, 300, 100, 0x00C000);
+  painter.paint({1800, 600, 300, 100}, 0x00C000);
   ASSERT_TRUE(scheduler.pumpUntil(
       [&] {
         return rgb(right.currentFrame.get(), 0, 600) == 0x00C000 &&
@@ -174,8 +114,6 @@ TEST_F(X11CaptureTest, FramesShowWhatWasDrawnOnTheirDisplayOnlyAndFollowChanges)
       patience));
   EXPECT_TRUE(sameAsScreen(right.currentFrame.get(), painter, secondary));
   EXPECT_TRUE(sameAsScreen(left.currentFrame.get(), painter, primary));
-  painter.destroy(across);
-  painter.destroy(window);
   right.stopCapture();
   left.stopCapture();
   ASSERT_TRUE(scheduler.pumpUntil([&] { return !right.currentFrame.get(); }, patience));
@@ -192,9 +130,8 @@ TEST_F(X11CaptureTest, AnUnchangedScreenYieldsNoNewFrames) {
   EXPECT_EQ(frames, 1);
 
   // It is asleep, not dead: a change still comes through.
-  const xcb_window_t window = painter.window(1920 + 5, 5, 20, 20, 0x123456);
+  painter.paint({1920 + 5, 5, 20, 20}, 0x123456);
   EXPECT_TRUE(scheduler.pumpUntil([&] { return frames == 2; }, patience));
-  painter.destroy(window);
   capture.stopCapture();
 }
 

@@ -158,14 +158,17 @@ void XProbe::fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb) {
   sync();
 }
 
-std::uint32_t XProbe::pixel(int x, int y) {
-  Reply<xcb_get_image_reply_t> image(
-      xcb_get_image_reply(c_,
-                          xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root,
-                                        std::int16_t(x), std::int16_t(y), 1, 1, ~0u),
-                          nullptr));
-  if (!image || xcb_get_image_data_length(image.get()) < 4) return 0;
-  return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())) & 0xFFFFFF;
+std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r) {
+  std::vector<std::uint32_t> result(std::size_t(r.width) * std::size_t(r.height));
+  Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+      c_,
+      xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(r.x),
+                    std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), ~0u),
+      nullptr));
+  if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * 4)) return result;
+  const auto* data = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get()));
+  for (std::size_t i = 0; i < result.size(); ++i) result[i] = data[i] & 0xFFFFFF;
+  return result;
 }
 
 xcb_randr_output_t XProbe::output(const std::string& name) {

@@ -51,8 +51,9 @@ class XProbe {
   // An unmanaged window filled with `rgb` (0xRRGGBB), kept below every other window.
   xcb_window_t paint(const WindowRect& r, std::uint32_t rgb);
   void fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb);
-  // The screen's pixel at root x, y as 0xRRGGBB.
-  std::uint32_t pixel(int x, int y);
+  // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable).
+  std::vector<std::uint32_t> pixels(const WindowRect& r);
+  std::uint32_t pixel(int x, int y) { return pixels({x, y, 1, 1}).front(); }
 
   // The RandR output named `name` (a connector such as DUMMY1), XCB_NONE if there is none.
   xcb_randr_output_t output(const std::string& name);
