@@ -92,8 +92,12 @@ int xsession(const std::string& arguments, const std::string& runDirectory) {
 
 // A display whose lock file exists belongs to someone else (another test run, a developer's
 // session); Xorg itself refuses a taken display, so a lost race only moves on to the next.
+// ORLET_TEST_DISPLAY_FIRST moves the ten-display pool, so that runs from several checkouts on
+// one machine never meet.
 XSession::XSession() {
-  for (int number = 50; number <= 59; ++number) {
+  const char* first = std::getenv("ORLET_TEST_DISPLAY_FIRST");
+  const int base = first && *first ? std::atoi(first) : 50;
+  for (int number = base; number < base + 10; ++number) {
     if (std::filesystem::exists("/tmp/.X" + std::to_string(number) + "-lock")) continue;
     display_ = ":" + std::to_string(number);
     runDirectory_ =
@@ -101,7 +105,8 @@ XSession::XSession() {
     if (xsession("start " + display_ + " --tray", runDirectory_) == 0) return;
     xsession("stop " + display_, runDirectory_);
   }
-  throw std::runtime_error("no X session could be started on :50 to :59");
+  throw std::runtime_error("no X session could be started on :" + std::to_string(base) +
+                           " to :" + std::to_string(base + 9));
 }
 
 XSession::~XSession() {

@@ -41,7 +41,8 @@ class Process {
 };
 
 // A private X session (scripts/xsession.sh: Xorg dummy with two outputs, openbox, trayer) on the
-// first free display among :50 to :59, stopped again when destroyed.
+// first free display among :50 to :59 (or the ten from ORLET_TEST_DISPLAY_FIRST), stopped again
+// when destroyed.
 class XSession {
  public:
   XSession();
