@@ -17,7 +17,10 @@
 #include "linux/qt/QtStatusBar.h"
 #include "linux/qt/XcbEventFilter.h"
 #include "linux/qt/views/MirrorContent.h"
+#include "linux/qt/views/MirrorInteraction.h"
 #include "linux/x11/DisplayProbe.h"
+#include "linux/x11/X11CursorSource.h"
+#include "linux/x11/X11SyntheticInput.h"
 #include "linux/x11/X11WindowServer.h"
 #include "linux/x11/X11Workspace.h"
 #include "window/WindowController.h"
@@ -55,6 +58,8 @@ struct Adapters {
   linux_qt::QtStatusBar statusBar;
   linux_qt::QtApplication application;
   linux_capture::X11CaptureService capture{scheduler};
+  x11::X11SyntheticInput input{*x, std::cerr};
+  x11::X11CursorSource cursor{*x, events, std::cerr};
   std::unique_ptr<linux_qt::MirrorContent> mirror;
 
   explicit Adapters(std::unique_ptr<x11::XConnection> connection)
@@ -81,9 +86,18 @@ int run(QApplication& qt, int screen) {
   if (!x) return fail("no X display (the X connection cannot be used)");
   Adapters adapters(std::move(x));
   qt.installNativeEventFilter(&adapters.filter);
+  const auto isWindowVisible = [] { return WindowController::shared().isWindowVisible(); };
   adapters.mirror = std::make_unique<linux_qt::MirrorContent>(linux_qt::MirrorContent::Ports{
-      *adapters.x, adapters.scheduler, adapters.notifications, adapters.capture,
-      [] { return WindowController::shared().isWindowVisible(); }, std::cerr});
+      *adapters.x, adapters.scheduler, adapters.notifications, adapters.capture, isWindowVisible,
+      std::cerr, adapters.input, std::cout});
+  adapters.mirror->setMirrorDecorator(
+      [&adapters, isWindowVisible](linux_qt::DisplayPreviewView& view, DisplayManager& dm) {
+        linux_qt::makeMirrorInteractive(
+            view, dm,
+            {adapters.scheduler, adapters.cursor, adapters.windowServer, adapters.input,
+             adapters.workspace, adapters.mirror->displayInfo(), isWindowVisible,
+             [] { return WindowController::shared().isWindowBeingMoved(); }});
+      });
   adapters.panels.setMirrorContent([&adapters] { return adapters.mirror->makeView(); });
   Controllers controllers(adapters);
   MainApp app({adapters.panels, adapters.statusBar, adapters.application, adapters.workspace,

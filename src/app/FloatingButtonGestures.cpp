@@ -4,21 +4,20 @@
 
 namespace orlet {
 
-FloatingButtonGestures::FloatingButtonGestures(const WindowServer& windowServer, Actions actions)
-    : windowServer_(windowServer), actions_(std::move(actions)) {}
+FloatingButtonGestures::FloatingButtonGestures(Actions actions) : actions_(std::move(actions)) {}
 
 EventDisposition FloatingButtonGestures::handle(const MouseEvent& event) {
   switch (event.type) {
     case MouseEventType::leftDown:
       dragged_ = false;
-      pressLocation_ = windowServer_.pointerLocation();
+      pressLocation_ = event.screenLocation;
       break;
     case MouseEventType::leftDragged:
-      if (distance(windowServer_.pointerLocation(), pressLocation_) > dragThreshold) {
-        dragged_ = true;
-      }
+      if (distance(event.screenLocation, pressLocation_) > dragThreshold) dragged_ = true;
       break;
     case MouseEventType::leftUp:
+      // A release far from the press is a drag even when no motion came in between.
+      if (distance(event.screenLocation, pressLocation_) > dragThreshold) dragged_ = true;
       if (!dragged_) actions_.toggleMirror();
       actions_.reactivateEditor();
       break;

@@ -4,7 +4,6 @@
 
 #include "foundation/Geometry.h"
 #include "platform/Panel.h"
-#include "platform/WindowServer.h"
 
 namespace orlet {
 
@@ -22,16 +21,16 @@ class FloatingButtonGestures {
   // Strict: a release after moving exactly this far still counts as a click.
   static constexpr double dragThreshold = 3.0;
 
-  FloatingButtonGestures(const WindowServer& windowServer, Actions actions);
+  explicit FloatingButtonGestures(Actions actions);
 
-  // The button panel's mouse monitor.
+  // The button panel's mouse monitor. Locations are the events' own: by the time an event is
+  // handled, the pointer may be far from where it was pressed (a flick, a loaded machine).
   EventDisposition handle(const MouseEvent& event);
 
   bool isDragging() const { return dragged_; }
   Point pressLocation() const { return pressLocation_; }
 
  private:
-  const WindowServer& windowServer_;
   Actions actions_;
   bool dragged_ = false;
   Point pressLocation_;

@@ -45,13 +45,11 @@ void MainApp::observeButtonMoves() {
 }
 
 void MainApp::installGestures() {
-  gestures_.emplace(
-      ports_.windowServer,
-      FloatingButtonGestures::Actions{
-          .toggleMirror = [this] { toggleMirror(); },
-          .reactivateEditor = [this] { reactivateEditor(); },
-          .showMenu = [this](Point at) { ports_.statusBar.popUpMenu(statusMenu_, at); },
-      });
+  gestures_.emplace(FloatingButtonGestures::Actions{
+      .toggleMirror = [this] { toggleMirror(); },
+      .reactivateEditor = [this] { reactivateEditor(); },
+      .showMenu = [this](Point at) { ports_.statusBar.popUpMenu(statusMenu_, at); },
+  });
   subscriptions_.push_back(buttonPanel_->addMouseMonitor(
       [this](const MouseEvent& event) { return gestures_->handle(event); }));
 }

@@ -1,14 +1,15 @@
 #include "capture/DisplayManager.h"
 
 #include <algorithm>
+#include <ostream>
 
 #include "capture/AsyncFilter.h"
 #include "capture/StreamOutput.h"
 
 namespace orlet {
 
-DisplayManager::DisplayManager(Scheduler& scheduler, CaptureService& service)
-    : scheduler_(scheduler), service_(service) {}
+DisplayManager::DisplayManager(Scheduler& scheduler, CaptureService& service, ClickPorts clicks)
+    : scheduler_(scheduler), service_(service), clicks_(clicks) {}
 
 void DisplayManager::sortMainFirst(std::vector<Display>& list) {
   std::stable_sort(list.begin(), list.end(),
@@ -95,6 +96,47 @@ void DisplayManager::stopAll() {
 
 void DisplayManager::forget(const std::shared_ptr<CaptureStream>& stream) {
   std::erase_if(activeStreams_, [&](const auto& s) { return s == stream; });
+}
+
+namespace {
+
+// The platform's usual description of a rectangle and a point: origin and size, one decimal.
+struct Decimal {
+  double value;
+};
+std::ostream& operator<<(std::ostream& out, Decimal d) {
+  const auto flags = out.flags();
+  const auto precision = out.precision();
+  out << std::fixed;
+  out.precision(1);
+  out << d.value;
+  out.flags(flags);
+  out.precision(precision);
+  return out;
+}
+
+}  // namespace
+
+void DisplayManager::simulateClickOnDisplay(const Display& display, Point relative) {
+  if (!clicks_.displayInfo || !clicks_.input) return;
+  const Rect bounds = clicks_.displayInfo->bounds(display.displayID);
+  const Point target{bounds.x + relative.x * bounds.width, bounds.y + relative.y * bounds.height};
+  if (clicks_.diagnostics) {
+    *clicks_.diagnostics << "Display bounds: (" << Decimal{bounds.x} << ", " << Decimal{bounds.y}
+                         << ", " << Decimal{bounds.width} << ", " << Decimal{bounds.height}
+                         << ") → click: (" << Decimal{target.x} << ", " << Decimal{target.y} << ")"
+                         << std::endl;
+  }
+  performMouseClick(target);
+}
+
+// The release follows through the main queue instead of blocking the main thread for the
+// pause: the two still reach the desktop in order and apart. It holds the input port, not the
+// manager, so a manager gone meanwhile never leaves the button held down.
+void DisplayManager::performMouseClick(Point target) {
+  SyntheticInput& input = *clicks_.input;
+  input.leftButtonDown(target);
+  scheduler_.after(clickPressDuration, [&input, target] { input.leftButtonUp(target); });
 }
 
 }  // namespace orlet

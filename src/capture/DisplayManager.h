@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <vector>
 
@@ -8,8 +9,18 @@
 #include "foundation/Observable.h"
 #include "foundation/Scheduler.h"
 #include "platform/CaptureService.h"
+#include "platform/DisplayInfo.h"
+#include "platform/SyntheticInput.h"
 
 namespace orlet {
+
+// What replaying clicks on a display needs; without it, clicks are dropped. All must outlive
+// the display manager, and `input` any click still in progress.
+struct ClickForwardingPorts {
+  const DisplayInfoProvider* displayInfo = nullptr;
+  SyntheticInput* input = nullptr;
+  std::ostream* diagnostics = nullptr;  // one line per click
+};
 
 // The catalogue of displays that really deliver pictures, main display first. Owned by the
 // display selector and shared with its previews. Main thread only.
@@ -17,8 +28,12 @@ class DisplayManager {
  public:
   // How long a test capture may take to deliver its first picture.
   static constexpr Seconds testPeriod{0.1};
+  // Between the press and the release of a replayed click.
+  static constexpr Seconds clickPressDuration{0.010};
 
-  DisplayManager(Scheduler& scheduler, CaptureService& service);
+  using ClickPorts = ClickForwardingPorts;
+
+  DisplayManager(Scheduler& scheduler, CaptureService& service, ClickPorts clicks = {});
   DisplayManager(const DisplayManager&) = delete;
   DisplayManager& operator=(const DisplayManager&) = delete;
 
@@ -43,6 +58,9 @@ class DisplayManager {
     return activeStreams_;
   }
 
+  // Replays a left click at `relative` (0..1 from the top-left corner) of `display`.
+  void simulateClickOnDisplay(const Display& display, Point relative);
+
   // Stable: the main display first, every other display in its given order.
   static void sortMainFirst(std::vector<Display>& list);
 
@@ -53,9 +71,11 @@ class DisplayManager {
                      const std::shared_ptr<bool>& gotPicture, const Finish& finish);
   void publish(std::vector<Display> kept);
   void forget(const std::shared_ptr<CaptureStream>& stream);
+  void performMouseClick(Point target);
 
   Scheduler& scheduler_;
   CaptureService& service_;
+  ClickPorts clicks_;
   std::vector<std::shared_ptr<CaptureStream>> activeStreams_;
   Lifetime lifetime_;
 };

@@ -1,34 +1,12 @@
 #include "views/MirrorGeometry.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace orlet {
-namespace {
-
-double pixelInside(double origin, double length, double fraction) {
-  const double pixel = std::floor(origin + fraction * length);
-  return std::clamp(pixel, origin, origin + std::max(length, 1.0) - 1);
-}
-
-}  // namespace
-
-std::optional<Point> relativePointInPicture(Rect picture, Point point) {
-  if (picture.isEmpty() || !picture.contains(point)) return std::nullopt;
-  return Point{(point.x - picture.x) / picture.width, (point.y - picture.y) / picture.height};
-}
-
 Point globalPoint(Rect bounds, Point relative) {
   return {bounds.x + relative.x * bounds.width, bounds.y + relative.y * bounds.height};
 }
 
 Point relativePoint(Rect bounds, Point global) {
   return {(global.x - bounds.x) / bounds.width, (global.y - bounds.y) / bounds.height};
-}
-
-Point displayPixel(Rect bounds, Point relative) {
-  return {pixelInside(bounds.x, bounds.width, relative.x),
-          pixelInside(bounds.y, bounds.height, relative.y)};
 }
 
 Point viewPoint(Rect picture, Point relative) {

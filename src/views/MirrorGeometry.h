@@ -17,20 +17,11 @@ inline Rect mirrorPictureRect(Size displaySize, Size viewSize) {
   return aspectFit(displaySize, viewSize);
 }
 
-// The point of the picture under `viewPoint`, as fractions 0..1 of its width and height from
-// its top-left corner; nullopt over the letterbox bands (the picture's right and bottom edge
-// coordinates are outside).
-std::optional<Point> relativePointInPicture(Rect picture, Point viewPoint);
-
 // The global point at the relative position `relative` of a display with `bounds`.
 Point globalPoint(Rect displayBounds, Point relative);
 
 // The relative position of the global point `global` within `bounds` (not clamped).
 Point relativePoint(Rect displayBounds, Point global);
-
-// The pixel at the relative position `relative` of a display, truncated and kept inside it, so
-// that the last point of the miniature lands on the display's last pixel and never past it.
-Point displayPixel(Rect displayBounds, Point relative);
 
 // The view point at the relative position `relative` of the picture.
 Point viewPoint(Rect picture, Point relative);

@@ -5,7 +5,7 @@
 namespace orlet {
 
 WindowSelectorModel::WindowSelectorModel(const Ports& ports)
-    : ports_(ports), dm_(ports.scheduler, ports.capture) {
+    : ports_(ports), dm_(ports.scheduler, ports.capture, ports.clicks) {
   observeCatalogue();
   observeNotifications();
 }

@@ -32,6 +32,8 @@ class WindowSelectorModel {
     ScreenCapturePermission& permission;
     // Whether the mirror panel is on screen now.
     std::function<bool()> isWindowVisible;
+    // How the catalogue replays clicks on the enlarged mirror; none by default.
+    ClickForwardingPorts clicks = {};
   };
 
   static constexpr Seconds refreshInterval{5};

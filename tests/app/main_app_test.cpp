@@ -36,10 +36,7 @@ class MainAppTest : public ::testing::Test {
   }
   FakePanel& button() const { return *platform.panels.panel(PanelContent::floatingButton); }
   FakePanel* mirror() const { return platform.panels.panel(PanelContent::mirror); }
-  EventDisposition press(MouseEventType type, Point at) {
-    platform.windowServer.movePointer(at);
-    return button().send(type, at);
-  }
+  EventDisposition press(MouseEventType type, Point at) { return button().send(type, at); }
   void frontBecomes(const RunningApplication& app) {
     platform.workspace.bringToFront(app);
     platform.scheduler.runUntilIdle();
@@ -141,6 +138,20 @@ TEST_F(MainAppTest, GesturesOnTheButtonTellDragsClicksAndMenuApart) {
   press(MouseEventType::leftUp, {113, 210});
   EXPECT_TRUE(mirror()->isVisible());
   EXPECT_EQ(mirror()->frame(), (Rect{140, 200, 900, 600}));
+}
+
+// A flick: by the time each event is handled the pointer is already at the end of the drag, and
+// no motion may come between press and release. The events' own locations tell it is a drag.
+TEST_F(MainAppTest, AFlickOfTheButtonMovesItWithoutToggling) {
+  platform.workspace.bringToFront(editor);
+  start();
+  for (const bool withMotion : {true, false}) {
+    platform.windowServer.movePointer({410, 310});
+    press(MouseEventType::leftDown, {10, 10});
+    if (withMotion) press(MouseEventType::leftDragged, {300, 200});
+    press(MouseEventType::leftUp, {410, 310});
+    EXPECT_FALSE(mirror()->isVisible()) << withMotion;
+  }
 }
 
 TEST_F(MainAppTest, TheShortcutTogglesTheMirrorAndHandsTheFrontBackEachTime) {

@@ -134,15 +134,24 @@ void PanelWidget::mousePressEvent(QMouseEvent* event) {
 
 void PanelWidget::mouseMoveEvent(QMouseEvent* event) {
   if (!selfDrag_ || !(event->buttons() & Qt::LeftButton)) return QWidget::mouseMoveEvent(event);
-  const Point pointer = toNative(event->globalPosition());
+  dragWith(*event);
+}
+
+// Follows the pointer as the event saw it, not as it is now.
+void PanelWidget::dragWith(const QMouseEvent& event) {
+  const Point pointer = toNative(event.globalPosition());
   const Point origin{selfDrag_->originAtPress.x + pointer.x - selfDrag_->pointerAtPress.x,
                      selfDrag_->originAtPress.y + pointer.y - selfDrag_->pointerAtPress.y};
   if (callbacks_.dragTo) callbacks_.dragTo(origin);
 }
 
 // Once the window manager runs a move it has the pointer, and the release never reaches us.
+// A flick may bring its release with no motion before it: the release ends the drag where it is.
 void PanelWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
+    if (selfDrag_ && toNative(event->globalPosition()) != selfDrag_->pointerAtPress) {
+      dragWith(*event);
+    }
     selfDrag_.reset();
     if (std::exchange(systemMoveRequested_, false) && callbacks_.cancelSystemDrag) {
       callbacks_.cancelSystemDrag();

@@ -43,6 +43,7 @@ class PanelWidget final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void dragWith(const QMouseEvent& event);
   struct SelfDrag {
     Point pointerAtPress;
     Point originAtPress;

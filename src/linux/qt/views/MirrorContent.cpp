@@ -17,7 +17,8 @@ MirrorContent::MirrorContent(const Ports& ports)
                  permission_,
                  displayInfo_,
                  ports.isWindowVisible,
-                 {}} {}
+                 {},
+                 {&displayInfo_, &ports.input, &ports.clickLog}} {}
 
 QWidget* MirrorContent::makeView() {
   return new WindowSelectorView(viewPorts_);

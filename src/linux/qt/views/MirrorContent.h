@@ -7,6 +7,7 @@
 #include "linux/qt/views/MirrorViewPorts.h"
 #include "linux/x11/RandrDisplayInfo.h"
 #include "linux/x11/X11ScreenCapturePermission.h"
+#include "platform/SyntheticInput.h"
 
 namespace orlet::linux_qt {
 
@@ -22,6 +23,8 @@ class MirrorContent {
     CaptureService& capture;
     std::function<bool()> isWindowVisible;  // the mirror panel is on screen
     std::ostream& diagnostics;              // where a refused permission is explained
+    SyntheticInput& input;                  // replays clicks on the mirror
+    std::ostream& clickLog;                 // one line per replayed click
   };
 
   explicit MirrorContent(const Ports& ports);

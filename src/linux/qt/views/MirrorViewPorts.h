@@ -8,9 +8,7 @@
 #include "platform/DisplayInfo.h"
 #include "platform/ScreenCapturePermission.h"
 
-namespace orlet {
-class DisplayManager;
-}
+#include "capture/DisplayManager.h"
 
 namespace orlet::linux_qt {
 
@@ -29,6 +27,8 @@ struct MirrorViewPorts {
   // the cursor overlay and the teleport probe attach their layers and companions. `dm` is the
   // selector's catalogue, shared by all its previews.
   std::function<void(DisplayPreviewView& mirror, DisplayManager& dm)> decorateMirror;
+  // How the selector's catalogue replays clicks; none by default.
+  ClickForwardingPorts clicks = {};
 };
 
 }  // namespace orlet::linux_qt

@@ -31,6 +31,24 @@ void boxBlurAlpha(QImage& image, int radius, bool horizontal) {
   }
 }
 
+// Blurs the alpha of `image` (non-premultiplied, drawn black) and colours it.
+QImage blurredAndColoured(QImage image, int radius, const QColor& color) {
+  // Three box passes of a third of the radius approximate a Gaussian of that radius.
+  const int pass = std::max(1, radius / 3);
+  for (int i = 0; i < 3; ++i) {
+    boxBlurAlpha(image, pass, true);
+    boxBlurAlpha(image, pass, false);
+  }
+  for (int y = 0; y < image.height(); ++y) {
+    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < image.width(); ++x) {
+      line[x] =
+          qRgba(color.red(), color.green(), color.blue(), qAlpha(line[x]) * color.alpha() / 255);
+    }
+  }
+  return image;
+}
+
 }  // namespace
 
 QImage softShadow(QSizeF size, qreal cornerRadius, int radius, const QColor& color) {
@@ -46,20 +64,17 @@ QImage softShadow(QSizeF size, qreal cornerRadius, int radius, const QColor& col
     painter.setBrush(Qt::black);
     painter.drawRoundedRect(QRectF(QPointF(radius, radius), size), cornerRadius, cornerRadius);
   }
-  // Three box passes of a third of the radius approximate a Gaussian of that radius.
-  const int pass = std::max(1, radius / 3);
-  for (int i = 0; i < 3; ++i) {
-    boxBlurAlpha(image, pass, true);
-    boxBlurAlpha(image, pass, false);
+  return blurredAndColoured(std::move(image), radius, color);
+}
+
+QImage softShadow(const QImage& shape, int radius, const QColor& color) {
+  QImage image(shape.size() + QSize(2 * radius, 2 * radius), QImage::Format_ARGB32);
+  image.fill(Qt::transparent);
+  {
+    QPainter painter(&image);
+    painter.drawImage(QPoint(radius, radius), shape);
   }
-  for (int y = 0; y < image.height(); ++y) {
-    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-    for (int x = 0; x < image.width(); ++x) {
-      line[x] =
-          qRgba(color.red(), color.green(), color.blue(), qAlpha(line[x]) * color.alpha() / 255);
-    }
-  }
-  return image;
+  return blurredAndColoured(std::move(image), radius, color);
 }
 
 }  // namespace orlet::linux_qt

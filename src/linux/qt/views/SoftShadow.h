@@ -11,4 +11,8 @@ namespace orlet::linux_qt {
 // top-left corner at the rectangle's top-left minus `radius`.
 QImage softShadow(QSizeF size, qreal cornerRadius, int radius, const QColor& color);
 
+// The same for any shape: the soft shadow of `shape`'s opaque pixels, `radius` larger on every
+// side, drawn with its top-left corner at the shape's top-left minus `radius`.
+QImage softShadow(const QImage& shape, int radius, const QColor& color);
+
 }  // namespace orlet::linux_qt

@@ -21,7 +21,7 @@ WindowSelectorView::WindowSelectorView(const MirrorViewPorts& ports, QWidget* pa
     : QWidget(parent),
       ports_(ports),
       model_({ports.scheduler, ports.notifications, ports.capture, ports.permission,
-              ports.isWindowVisible}),
+              ports.isWindowVisible, ports.clicks}),
       card_(new PermissionCardView([this] { model_.openScreenRecordingSettings(); }, this)),
       loading_(new BusyIndicator(QStringLiteral("Chargement des écrans..."), kLoadingScale, this)),
       grid_(new DisplayGridView(

@@ -1,0 +1,71 @@
+#include "linux/x11/X11SyntheticInput.h"
+
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <utility>
+
+#include "linux/x11/XcbReply.h"
+
+namespace orlet::x11 {
+namespace {
+
+// The pixel a global point falls in; X coordinates are 16-bit.
+std::int16_t pixel(double coordinate) {
+  constexpr double lowest = std::numeric_limits<std::int16_t>::min();
+  constexpr double highest = std::numeric_limits<std::int16_t>::max();
+  return static_cast<std::int16_t>(std::clamp(std::floor(coordinate), lowest, highest));
+}
+
+constexpr std::uint8_t kLeftButton = 1;
+
+}  // namespace
+
+X11SyntheticInput::X11SyntheticInput(const XConnection& x, std::ostream& diagnostics)
+    : x_(x), diagnostics_(diagnostics) {
+  auto* c = x_.get();
+  const auto* extension = xcb_get_extension_data(c, &xcb_test_id);
+  if (extension && extension->present) {
+    hasXTest_ = waitReply<xcb_test_get_version_reply_t>(c, xcb_test_get_version_reply,
+                                                        xcb_test_get_version(c, 2, 2)) != nullptr;
+  }
+}
+
+void X11SyntheticInput::leftButtonDown(Point at) {
+  fakeButton(XCB_BUTTON_PRESS, at);
+}
+
+void X11SyntheticInput::leftButtonUp(Point at) {
+  fakeButton(XCB_BUTTON_RELEASE, at);
+}
+
+// The motion first: XTEST presses where the pointer is, and the click must land at `at` even
+// when the pointer was elsewhere. The pointer then stays there, as after a real click.
+void X11SyntheticInput::fakeButton(std::uint8_t type, Point at) {
+  if (!hasXTest_) {
+    if (!std::exchange(reportedMissing_, true)) {
+      diagnostics_ << "orlet: the X server has no XTEST extension: clicks on the mirror are not "
+                      "replayed on the display\n";
+    }
+    return;
+  }
+  auto* c = x_.get();
+  const auto motion = xcb_test_fake_input_checked(c, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME,
+                                                  x_.root(), pixel(at.x), pixel(at.y), XCB_NONE);
+  const auto button =
+      xcb_test_fake_input_checked(c, type, kLeftButton, XCB_CURRENT_TIME, XCB_NONE, 0, 0, XCB_NONE);
+  x_.check(motion);
+  x_.check(button);
+}
+
+// WarpPointer with no source window moves the pointer by the destination's coordinates; the
+// server reports it to clients as ordinary motion and nothing else.
+void X11SyntheticInput::warpPointer(Point at) {
+  auto* c = x_.get();
+  x_.check(xcb_warp_pointer_checked(c, XCB_NONE, x_.root(), 0, 0, 0, 0, pixel(at.x), pixel(at.y)));
+}
+
+}  // namespace orlet::x11

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/Geometry.h"
+
+namespace orlet {
+
+// Input made up by the program, delivered as if the user's own devices had produced it. All
+// points are global coordinates.
+class SyntheticInput {
+ public:
+  virtual ~SyntheticInput() = default;
+
+  // Moves the pointer to `at` and presses the left button there; silently dropped when the
+  // desktop refuses synthetic input.
+  virtual void leftButtonDown(Point at) = 0;
+
+  // Moves the pointer to `at` and releases the left button there; silently dropped when refused.
+  virtual void leftButtonUp(Point at) = 0;
+
+  // Puts the pointer at `at` without pressing anything; the pointer keeps following the mouse
+  // from there.
+  virtual void warpPointer(Point at) = 0;
+};
+
+}  // namespace orlet

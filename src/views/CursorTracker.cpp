@@ -1,0 +1,32 @@
+#include "views/CursorTracker.h"
+
+namespace orlet {
+
+CursorTracker::CursorTracker(Scheduler& scheduler, const CursorSource& cursor,
+                             const WindowServer& pointer)
+    : scheduler_(scheduler), cursor_(cursor), pointer_(pointer) {}
+
+void CursorTracker::startTracking(std::uint32_t) {
+  if (timer_.isValid()) return;
+  timer_ = scheduler_.every(sampleInterval, lifetime_.guard([this] { updateCursor(); }));
+}
+
+void CursorTracker::stopTracking() {
+  timer_ = ScopedWorkItem();
+}
+
+// The pointer is read in root coordinates, top-left origin, the system the mirror uses: no
+// flip against the main screen's height is needed.
+void CursorTracker::updateCursor() {
+  CursorImageRef cursor = cursor_.currentCursor();
+  if (!cursor) return;
+  const Point position = pointer_.pointerLocation();
+  scheduler_.async(lifetime_.guard([this, cursor = std::move(cursor), position] {
+    const Point hot = cursor->hotSpot;
+    cursorImage.set(cursor);
+    hotSpot.set(hot);
+    mouseScreenPosition.set(position);
+  }));
+}
+
+}  // namespace orlet

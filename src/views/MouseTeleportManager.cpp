@@ -1,0 +1,107 @@
+#include "views/MouseTeleportManager.h"
+
+#include "views/MirrorGeometry.h"
+#include "window/CaptureOneFocus.h"
+
+namespace orlet {
+
+MouseTeleportManager::MouseTeleportManager(const Ports& ports) : ports_(ports) {}
+
+void MouseTeleportManager::startMonitoring(std::uint32_t displayId) {
+  targetDisplayID_ = displayId;
+  targetDisplayBounds_ = ports_.displayInfo.bounds(displayId);
+  if (timer_.isValid()) return;
+  timer_ = ports_.scheduler.every(checkInterval, lifetime_.guard([this] { checkMousePosition(); }));
+}
+
+void MouseTeleportManager::stopMonitoring() {
+  timer_ = ScopedWorkItem();
+  targetDisplayID_.reset();
+  isMouseOnTargetDisplay.set(false);
+}
+
+void MouseTeleportManager::publishOnTarget(bool onTarget) {
+  ports_.scheduler.async(
+      lifetime_.guard([this, onTarget] { isMouseOnTargetDisplay.set(onTarget); }));
+}
+
+// Every point here is in root coordinates, top-left origin, as the pointer and the rectangles
+// are reported: no flip against the main screen's height is needed.
+void MouseTeleportManager::checkMousePosition() {
+  if (!ports_.isWindowVisible() || ports_.isWindowBeingMoved()) {
+    if (isMouseOnTargetDisplay.get()) publishOnTarget(false);
+    return;
+  }
+  // An unplugged display has empty bounds: nothing to jump to.
+  if (!targetDisplayID_ || !(mirrorScreenRect_.width > 0) || targetDisplayBounds_.isEmpty()) return;
+  const Seconds now = ports_.scheduler.now();
+  if (lastTeleportTime_ && now - *lastTeleportTime_ < teleportCooldown) return;
+
+  const Point p = ports_.windowServer.pointerLocation();
+  const Rect& target = targetDisplayBounds_;
+  const Rect& mirror = mirrorScreenRect_;
+  const bool onTarget = target.contains(p);
+  const bool inMirror = mirror.contains(p);
+  const bool focused = isCaptureOneOrORLETFocused();
+
+  if (inMirror && !onTarget && focused) {
+    teleportMouse(globalPoint(target, relativePoint(mirror, p)));
+    lastTeleportTime_ = now;
+    publishOnTarget(true);
+    return;
+  }
+  if (onTarget) {
+    if (const auto edge = detectEdge(p, target)) {
+      teleportToMirrorEdge(*edge, p);
+      lastTeleportTime_ = now;
+      publishOnTarget(false);
+      return;
+    }
+  }
+  publishOnTarget(onTarget);
+}
+
+std::optional<MouseTeleportManager::ScreenEdge> MouseTeleportManager::detectEdge(Point p, Rect r) {
+  if (p.x <= r.x + edgeMargin) return ScreenEdge::left;
+  if (p.x >= r.x + r.width - edgeMargin) return ScreenEdge::right;
+  if (p.y <= r.y + edgeMargin) return ScreenEdge::top;
+  if (p.y >= r.y + r.height - edgeMargin) return ScreenEdge::bottom;
+  return std::nullopt;
+}
+
+// Lands outside the picture so the pointer does not enter the mirror again at once.
+void MouseTeleportManager::teleportToMirrorEdge(ScreenEdge edge, Point from) {
+  const Rect& target = targetDisplayBounds_;
+  const Rect& mirror = mirrorScreenRect_;
+  Point q = globalPoint(mirror, relativePoint(target, from));
+  switch (edge) {
+    case ScreenEdge::top:
+      q.y = mirror.minY() - landingDistance;
+      break;
+    case ScreenEdge::bottom:
+      q.y = mirror.maxY() + landingDistance;
+      break;
+    case ScreenEdge::left:
+      q.x = mirror.minX() - landingDistance;
+      break;
+    case ScreenEdge::right:
+      q.x = mirror.maxX() + landingDistance;
+      break;
+  }
+  teleportMouse(q);
+}
+
+void MouseTeleportManager::teleportMouse(Point to) {
+  ports_.input.warpPointer(to);
+}
+
+// Ours when the identifiers match as optional values (both absent counts as equal), as the
+// front-application rule has it; no front application at all is never ours.
+bool MouseTeleportManager::isCaptureOneOrORLETFocused() const {
+  const auto front = ports_.workspace.frontmostApplication();
+  if (!front) return false;
+  const bool isOurs = front->bundleIdentifier == ports_.workspace.mainBundleIdentifier();
+  return isOurs || CaptureOneFocus::isCaptureOne(*front);
+}
+
+}  // namespace orlet

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "foundation/Lifetime.h"
+#include "foundation/Scheduler.h"
+#include "foundation/WorkItem.h"
+#include "platform/DisplayInfo.h"
+#include "views/DisplayPreviewModel.h"
+#include "views/MouseTeleportManager.h"
+
+namespace orlet {
+
+// Keeps the teleport manager told where the mirror's picture lies on the screen: every 0.03 s
+// while the mirror is shown, the view's global rectangle with the display's aspect fitted
+// inside it (the view may include letterbox bands). Main thread only.
+class ScreenPositionTracker final : public PreviewCompanion {
+ public:
+  static constexpr Seconds updateInterval{0.03};
+
+  // `viewRectOnScreen`: the mirror view's rectangle in global coordinates; nullopt while it is
+  // not in a window on screen.
+  ScreenPositionTracker(Scheduler& scheduler, MouseTeleportManager& teleportManager,
+                        const DisplayInfoProvider& displayInfo,
+                        std::function<std::optional<Rect>()> viewRectOnScreen);
+
+  void startTracking(std::uint32_t displayId);
+  void stopTracking();
+
+  void start(const Display& display) override { startTracking(display.displayID); }
+  void stop() override { stopTracking(); }
+
+ private:
+  void updatePosition();
+
+  Scheduler& scheduler_;
+  MouseTeleportManager& teleportManager_;
+  const DisplayInfoProvider& displayInfo_;
+  std::function<std::optional<Rect>()> viewRectOnScreen_;
+  std::optional<std::uint32_t> displayId_;
+  ScopedWorkItem timer_;
+  Lifetime lifetime_;
+};
+
+}  // namespace orlet

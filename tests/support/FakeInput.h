@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "foundation/Scheduler.h"
+#include "platform/CursorSource.h"
+#include "platform/SyntheticInput.h"
+#include "support/FakeWindowServer.h"
+
+namespace orlet::test {
+
+// Synthetic input that moves the fake server's pointer as the real one does, and logs what it
+// was asked to do, with the time it was asked, for tests to read.
+class FakeSyntheticInput final : public SyntheticInput {
+ public:
+  struct Event {
+    std::string kind;  // "down", "up" or "warp"
+    Point at;
+    Seconds time;
+    friend bool operator==(const Event&, const Event&) = default;
+  };
+
+  FakeSyntheticInput(FakeWindowServer& server, const Scheduler& clock)
+      : server_(server), clock_(clock) {}
+
+  void leftButtonDown(Point at) override { record("down", at); }
+  void leftButtonUp(Point at) override { record("up", at); }
+  void warpPointer(Point at) override { record("warp", at); }
+
+  std::vector<Event> events;
+
+ private:
+  void record(const char* kind, Point at) {
+    server_.movePointer(at);
+    events.push_back({kind, at, clock_.now()});
+  }
+
+  FakeWindowServer& server_;
+  const Scheduler& clock_;
+};
+
+// The cursor a test sets; none until then.
+class FakeCursorSource final : public CursorSource {
+ public:
+  CursorImageRef currentCursor() const override { return cursor; }
+
+  // A plain cursor of `width` x `height` with its hot spot at `hotSpot`.
+  static CursorImageRef make(int width, int height, Point hotSpot, std::uint64_t serial = 1) {
+    auto image = std::make_shared<CursorImage>();
+    image->width = width;
+    image->height = height;
+    image->hotSpot = hotSpot;
+    image->argb.assign(std::size_t(width) * std::size_t(height), 0xff000000u);
+    image->serial = serial;
+    return image;
+  }
+
+  CursorImageRef cursor;
+};
+
+}  // namespace orlet::test
