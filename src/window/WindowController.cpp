@@ -149,8 +149,10 @@ bool WindowController::isLeftMouseDown() const {
   return (ports_.windowServer.pressedMouseButtons() & mouse_button::left) != 0;
 }
 
+// Counted as moving from here even before a first move is reported, and for as long as the
+// button stays down: some window managers report the position only once the move ends.
 void WindowController::windowWillMove() {
-  beginWindowMove();
+  markWindowMoving();
 }
 
 void WindowController::windowDidMove() {

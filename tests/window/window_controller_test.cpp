@@ -94,6 +94,17 @@ TEST_F(WindowControllerTest, ADragCountsAsMovingUntilTheButtonHasBeenUpForAMomen
   platform.windowServer.setPressedButtons(0);
   platform.scheduler.advance(WindowController::moveEndDelay);
   EXPECT_FALSE(controller.isWindowBeingMoved());
+
+  // A move announced before any position is reported (the window manager reports it at the
+  // end) counts too, and ends all the same once the button is up.
+  platform.windowServer.setPressedButtons(mouse_button::left);
+  mirror().userMove(mirror().frame().origin());
+  EXPECT_TRUE(controller.isWindowBeingMoved());
+  platform.scheduler.advance(Seconds{1.0});
+  EXPECT_TRUE(controller.isWindowBeingMoved());
+  platform.windowServer.setPressedButtons(0);
+  platform.scheduler.advance(WindowController::moveEndDelay);
+  EXPECT_FALSE(controller.isWindowBeingMoved());
 }
 
 TEST_F(WindowControllerTest, BackButtonFollowsTheViewsAndReportsPresses) {

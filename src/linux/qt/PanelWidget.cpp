@@ -129,6 +129,7 @@ void PanelWidget::mousePressEvent(QMouseEvent* event) {
     selfDrag_ = SelfDrag{toNative(event->globalPosition()), toNative(geometry()).origin()};
   } else if (auto* handle = windowHandle()) {
     systemMoveRequested_ = handle->startSystemMove();
+    if (systemMoveRequested_ && callbacks_.systemMoveStarted) callbacks_.systemMoveStarted();
   }
 }
 

@@ -23,6 +23,7 @@ class PanelWidget final : public QWidget {
     std::function<void()> geometryChanged;     // after Qt's move and resize events
     std::function<void(Point origin)> dragTo;  // a self-move, global device pixels
     std::function<void()> cancelSystemDrag;    // the window manager came too late
+    std::function<void()> systemMoveStarted;   // the window manager now moves the panel
   };
 
   PanelWidget(const PanelConfig& config, Callbacks callbacks);

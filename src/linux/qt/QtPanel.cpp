@@ -1,6 +1,7 @@
 #include "linux/qt/QtPanel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "linux/qt/DrawingPainter.h"
 #include "linux/qt/NativeCoordinates.h"
@@ -14,7 +15,8 @@ QtPanel::QtPanel(const PanelConfig& config, const x11::XConnection& x, const Win
   widget_ = std::make_unique<PanelWidget>(
       config, PanelWidget::Callbacks{.geometryChanged = [this] { geometryChanged(); },
                                      .dragTo = [this](Point origin) { dragTo(origin); },
-                                     .cancelSystemDrag = [this] { x11_->cancelMoveResize(); }});
+                                     .cancelSystemDrag = [this] { x11_->cancelMoveResize(); },
+                                     .systemMoveStarted = [this] { systemMoveStarted(); }});
   widget_->winId();  // creates the X window now, so that its hints can be set before mapping
   x11_.emplace(x, static_cast<xcb_window_t>(widget_->winId()));
   x11_->refuseFocus();
@@ -137,6 +139,13 @@ void QtPanel::setContentWidget(QWidget* content) {
 // The round button moves itself while dragged: a user move, unlike setFrame.
 void QtPanel::dragTo(Point origin) {
   widget_->setGeometry(toLogical(Rect::from(origin, frame().size())));
+}
+
+// Some window managers (openbox) report where they moved a window only once the move ends: the
+// move counts as begun when the window manager takes it over.
+void QtPanel::systemMoveStarted() {
+  if (std::exchange(userMoving_, true)) return;
+  willMove_.call();
 }
 
 // Qt reports the configure events the window manager sends. A move the user starts is

@@ -44,6 +44,7 @@ class QtPanel final : public Panel {
  private:
   void map();
   void geometryChanged();
+  void systemMoveStarted();
   void dragTo(Point origin);
   HandlerList<>& handlers(PanelEvent event);
 

@@ -2,11 +2,15 @@
 // WM_CLASS, title and place, which print what they receive so that tests can assert on it.
 //
 //   orlet_standin --class CaptureOne --title "Capture One 23" --geometry 800x600+100+100
-//                 [--palette 40x40+950+100] [--color 336699]
+//                 [--palette 40x40+950+100] [--viewer 1200x600+2000+100] [--color 336699]
+//
+// The viewer is a third window whose pointer is a crosshair, where the others show the
+// desktop's pointer.
 //
 // stdout, one line each, flushed at once:
-//   window <main window id> <palette id or 0x0>   once the windows are created
+//   window <main window id> <palette id or 0x0> <viewer id or 0x0>   once the windows exist
 //   click <button> <root x> <root y> <window id>
+//   release <button> <root x> <root y> <window id>
 //   key <keysym, hex>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -26,6 +30,7 @@ struct Options {
   std::string title = "Stand-in";
   std::string geometry = "640x480+100+100";
   std::string palette;  // a second, small window of the same application
+  std::string viewer;   // a third one, with a crosshair pointer
   std::uint32_t color = 0x506070;
 };
 
@@ -49,6 +54,7 @@ Options parse(int argc, char** argv) {
     if (key == "--title") o.title = value;
     if (key == "--geometry") o.geometry = value;
     if (key == "--palette") o.palette = value;
+    if (key == "--viewer") o.viewer = value;
     if (key == "--color")
       o.color = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
   }
@@ -73,16 +79,33 @@ void describe(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_window_t w, 
   xcb_icccm_set_wm_normal_hints(c, w, &size);
 }
 
+// The crosshair of the server's built-in cursor font (X11 cursorfont.h XC_crosshair), black on
+// white.
+xcb_cursor_t crosshair(xcb_connection_t* c) {
+  constexpr std::uint16_t kCrosshair = 34;
+  const xcb_font_t font = xcb_generate_id(c);
+  xcb_open_font(c, font, 6, "cursor");
+  const xcb_cursor_t cursor = xcb_generate_id(c);
+  xcb_create_glyph_cursor(c, cursor, font, font, kCrosshair, kCrosshair + 1, 0, 0, 0, 0xffff,
+                          0xffff, 0xffff);
+  xcb_close_font(c, font);
+  return cursor;
+}
+
 xcb_window_t open(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_screen_t* screen,
-                  const Options& o, const std::string& geometry) {
+                  const Options& o, const std::string& geometry,
+                  xcb_cursor_t cursor = XCB_CURSOR_NONE) {
   const Geometry g = parseGeometry(geometry);
   const xcb_window_t w = xcb_generate_id(c);
-  const std::uint32_t values[] = {o.color, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_KEY_PRESS |
-                                               XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+  const std::uint32_t values[] = {o.color,
+                                  XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                                      XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                                  cursor};
   xcb_create_window(c, XCB_COPY_FROM_PARENT, w, screen->root, static_cast<std::int16_t>(g.x),
                     static_cast<std::int16_t>(g.y), static_cast<std::uint16_t>(g.width),
                     static_cast<std::uint16_t>(g.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                    screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
+                    screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_CURSOR,
+                    values);
   describe(c, ewmh, w, o, g);
   xcb_map_window(c, w);
   return w;
@@ -100,6 +123,9 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
     if (type == XCB_BUTTON_PRESS) {
       const auto* e = reinterpret_cast<xcb_button_press_event_t*>(event);
       report("click %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
+    } else if (type == XCB_BUTTON_RELEASE) {
+      const auto* e = reinterpret_cast<xcb_button_release_event_t*>(event);
+      report("release %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
     } else if (type == XCB_KEY_PRESS) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
       report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
@@ -124,8 +150,11 @@ int main(int argc, char** argv) {
   const xcb_window_t main = open(c, ewmh, screen, options, options.geometry);
   const xcb_window_t palette =
       options.palette.empty() ? XCB_NONE : open(c, ewmh, screen, options, options.palette);
+  const xcb_window_t viewer = options.viewer.empty()
+                                  ? XCB_NONE
+                                  : open(c, ewmh, screen, options, options.viewer, crosshair(c));
   xcb_flush(c);
-  report("window 0x%x 0x%x", main, palette);
+  report("window 0x%x 0x%x 0x%x", main, palette, viewer);
   xcb_key_symbols_t* keys = xcb_key_symbols_alloc(c);
   run(c, keys);
   return 0;

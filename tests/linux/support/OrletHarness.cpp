@@ -4,8 +4,37 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "views/AdaptiveGrid.h"
+#include "views/MirrorGeometry.h"
+
 namespace orlet::x11test {
 namespace fs = std::filesystem;
+
+bool near(std::uint32_t a, std::uint32_t b) {
+  for (int shift : {0, 8, 16}) {
+    if (std::abs(int((a >> shift) & 0xFF) - int((b >> shift) & 0xFF)) > 24) return false;
+  }
+  return true;
+}
+
+Rect thumbnail(const WindowRect& m, int index) {
+  constexpr double kThumbnailHeight = 120;
+  constexpr double kShadowMargin = 6;
+  const Rect cell = AdaptiveGrid{}.cells(m.width, index + 1, kThumbnailHeight).back();
+  const Rect inner{cell.x + kShadowMargin, cell.y + kShadowMargin, cell.width - 2 * kShadowMargin,
+                   kThumbnailHeight};
+  const Rect fit = mirrorPictureRect(kDisplaySize, inner.size());
+  return {inner.x + fit.x, inner.y + fit.y, fit.width, fit.height};
+}
+
+Rect enlarged(const WindowRect& m) {
+  return mirrorPictureRect(kDisplaySize, {double(m.width), double(m.height)});
+}
+
+Rect enlargedOnScreen(const WindowRect& m) {
+  const Rect p = enlarged(m);
+  return {m.x + p.x, m.y + p.y, p.width, p.height};
+}
 
 void OrletTest::SetUp() {
   session_ = std::make_unique<XSession>();
@@ -20,9 +49,13 @@ void OrletTest::SetUp() {
   std::ofstream(home_ / "data" / "applications" / "com.captureone.CaptureOne.desktop")
       << "[Desktop Entry]\nType=Application\nName=Capture One 23\nExec=true\n"
          "StartupWMClass=CaptureOne\n";
-  editor_ = startStandIn("editor", {"--class", "CaptureOne", "--instance", "captureone", "--title",
-                                    "Capture One 23", "--geometry", "800x600+300+200", "--palette",
-                                    "40x40+1250+150", "--color", "4a6078"});
+  std::vector<std::string> editor{"--class",   "CaptureOne",     "--instance", "captureone",
+                                  "--title",   "Capture One 23", "--geometry", "800x600+300+200",
+                                  "--palette", "40x40+1250+150", "--color",    "4a6078"};
+  if (!editorViewerGeometry_.empty()) {
+    editor.insert(editor.end(), {"--viewer", editorViewerGeometry_});
+  }
+  editor_ = startStandIn("editor", editor);
   other_ = startStandIn(
       "other", {"--class", "OtherApp", "--instance", "otherapp", "--title", "Other application",
                 "--geometry", "700x500+600+350", "--color", "8a4a30"});
@@ -41,25 +74,29 @@ void OrletTest::TearDown() {
   fs::remove_all(home_, ignored);
 }
 
-// The stand-in prints "window <main> [<palette>]" once its windows exist.
+// The stand-in prints "window <main> <palette> <viewer>" once its windows exist.
 std::unique_ptr<Process> OrletTest::startStandIn(const std::string& name,
                                                  std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), ORLET_STANDIN_BINARY);
   auto process = std::make_unique<Process>(
       arguments, std::map<std::string, std::string>{{"DISPLAY", session_->display()}},
       (home_ / (name + ".log")).string());
-  unsigned main = 0, palette = 0;
+  unsigned main = 0, palette = 0, viewer = 0;
   if (eventually([&] { return process->output().find("window 0x") != std::string::npos; })) {
     const auto output = process->output();
-    std::sscanf(output.c_str() + output.find("window "), "window %x %x", &main, &palette);
+    std::sscanf(output.c_str() + output.find("window "), "window %x %x %x", &main, &palette,
+                &viewer);
   }
   const auto managed = [&](xcb_window_t w) {
     const auto list = x_->clientList();
-    return std::find(list.begin(), list.end(), w) != list.end();
+    return w == 0 || std::find(list.begin(), list.end(), w) != list.end();
   };
-  eventually([&] { return managed(main) && (palette == 0 || managed(palette)); });
+  eventually([&] { return managed(main) && managed(palette) && managed(viewer); });
   (name == "editor" ? editorWindow_ : otherWindow_) = main;
-  if (name == "editor") paletteWindow_ = palette;
+  if (name == "editor") {
+    paletteWindow_ = palette;
+    viewerWindow_ = viewer;
+  }
   return process;
 }
 
@@ -157,6 +194,16 @@ void OrletTest::raise(xcb_window_t window) {
 bool OrletTest::editorReceivesKey(const std::string& name, const std::string& keysym) {
   xdotool("key " + name);
   return eventually([&] { return editor_->output().find("key " + keysym) != std::string::npos; });
+}
+
+// Keys without a group sit in QSettings' [General] section.
+void OrletTest::presetSetting(const std::string& key, const std::string& value) {
+  const auto file = home_ / "config" / "orlet" / "orlet.ini";
+  fs::create_directories(file.parent_path());
+  const bool fresh = !fs::exists(file);
+  std::ofstream out(file, std::ios::app);
+  if (fresh) out << "[General]\n";
+  out << key << "=" << value << "\n";
 }
 
 std::optional<std::string> OrletTest::setting(const std::string& key) const {

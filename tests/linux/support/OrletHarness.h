@@ -9,6 +9,7 @@
 
 #include "Session.h"
 #include "XProbe.h"
+#include "foundation/Geometry.h"
 
 namespace orlet::x11test {
 
@@ -19,6 +20,21 @@ struct Spot {
 inline Spot centreOf(const WindowRect& r) {
   return {r.x + r.width / 2, r.y + r.height / 2};
 }
+
+// Two colours read off the screen are the same but for scaling and blending.
+bool near(std::uint32_t a, std::uint32_t b);
+
+// Both displays of the session are 16:9.
+inline constexpr Size kDisplaySize{2560, 1440};
+inline constexpr Rect kSecondDisplay{1920, 0, 2560, 1440};
+
+// The picture of the card at `index` of the display grid in the mirror panel `m`, in panel
+// coordinates.
+Rect thumbnail(const WindowRect& m, int index);
+// The picture of the enlarged mirror in the panel `m`, in panel coordinates.
+Rect enlarged(const WindowRect& m);
+// The same on the screen.
+Rect enlargedOnScreen(const WindowRect& m);
 
 // ORLET on its own X session, beside a stand-in "Capture One 23" (main window and a small
 // palette) and a stand-in other application, with fresh XDG directories.
@@ -50,18 +66,24 @@ class OrletTest : public ::testing::Test {
   bool editorReceivesKey(const std::string& name, const std::string& keysym);
 
   std::optional<std::string> setting(const std::string& key) const;
+  // Saves a setting before ORLET starts, as an earlier run would have.
+  void presetSetting(const std::string& key, const std::string& value);
+  // Runs xdotool with `arguments` on the session, in one go.
+  void xdotool(const std::string& arguments);
 
   std::unique_ptr<XSession> session_;
   std::unique_ptr<XProbe> x_;
   std::filesystem::path home_;
   std::unique_ptr<Process> editor_, other_, orlet_;
   xcb_window_t editorWindow_ = XCB_NONE, paletteWindow_ = XCB_NONE, otherWindow_ = XCB_NONE;
+  // Set before SetUp: the editor also opens its crosshair viewer window there (WxH+X+Y).
+  std::string editorViewerGeometry_;
+  xcb_window_t viewerWindow_ = XCB_NONE;
 
  private:
   std::unique_ptr<Process> startStandIn(const std::string& name,
                                         std::vector<std::string> arguments);
   xcb_window_t orletWindow(bool (*fits)(const WindowRect&));
-  void xdotool(const std::string& arguments);
   int orletRuns_ = 0;
 };
 

@@ -38,6 +38,12 @@ std::vector<std::uint32_t> XProbe::property(xcb_window_t window, xcb_atom_t name
   return {values, values + xcb_get_property_value_length(reply.get()) / 4};
 }
 
+std::pair<int, int> XProbe::pointer() {
+  Reply<xcb_query_pointer_reply_t> reply(
+      xcb_query_pointer_reply(c_, xcb_query_pointer(c_, screen_->root), nullptr));
+  return reply ? std::pair<int, int>{reply->root_x, reply->root_y} : std::pair<int, int>{-1, -1};
+}
+
 xcb_window_t XProbe::activeWindow() {
   const auto active = property(screen_->root, ewmh_._NET_ACTIVE_WINDOW);
   return active.empty() ? XCB_NONE : active[0];

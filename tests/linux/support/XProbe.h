@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orlet::x11test {
@@ -47,6 +48,8 @@ class XProbe {
   bool hasState(xcb_window_t window, xcb_atom_t state);
   std::optional<std::uint32_t> desktop(xcb_window_t window);
   WindowRect rect(xcb_window_t window);  // empty when the window is gone
+  // Where the pointer is, in root coordinates.
+  std::pair<int, int> pointer();
 
   // An unmanaged window filled with `rgb` (0xRRGGBB), kept below every other window.
   xcb_window_t paint(const WindowRect& r, std::uint32_t rgb);

@@ -3,7 +3,6 @@
 #include <fstream>
 
 #include "OrletHarness.h"
-#include "views/AdaptiveGrid.h"
 #include "views/MirrorGeometry.h"
 
 namespace orlet::x11test {
@@ -11,16 +10,6 @@ namespace {
 
 constexpr std::uint32_t kQuarters[4] = {0xD02020, 0x20B040, 0x2040D0, 0xE0C020};
 constexpr std::uint32_t kMainMark = 0xC020C0;  // bottom-right of the main display
-constexpr Size kDisplaySize{2560, 1440};       // both outputs are 16:9
-constexpr double kThumbnailHeight = 120;
-constexpr double kShadowMargin = 6;
-
-bool near(std::uint32_t a, std::uint32_t b) {
-  for (int shift : {0, 8, 16}) {
-    if (std::abs(int((a >> shift) & 0xFF) - int((b >> shift) & 0xFF)) > 24) return false;
-  }
-  return true;
-}
 
 // Threads of `pid` that carry the program's own name: the main thread and the capture threads,
 // which are not named otherwise (the toolkit names its own).
@@ -60,17 +49,6 @@ class ViewsEndToEnd : public OrletTest {
       }
     }
     return true;
-  }
-  // The thumbnail picture of the card at `index` of the grid in the panel `m`.
-  static Rect thumbnail(const WindowRect& m, int index) {
-    const Rect cell = AdaptiveGrid{}.cells(m.width, index + 1, kThumbnailHeight).back();
-    const Rect inner{cell.x + kShadowMargin, cell.y + kShadowMargin, cell.width - 2 * kShadowMargin,
-                     kThumbnailHeight};
-    const Rect fit = mirrorPictureRect(kDisplaySize, inner.size());
-    return {inner.x + fit.x, inner.y + fit.y, fit.width, fit.height};
-  }
-  static Rect enlarged(const WindowRect& m) {
-    return mirrorPictureRect(kDisplaySize, {double(m.width), double(m.height)});
   }
 
   xcb_window_t second_ = XCB_NONE;
