@@ -42,9 +42,10 @@ void MouseTeleportManager::checkMousePosition() {
   const Rect& mirror = mirrorScreenRect_;
   const bool onTarget = target.contains(p);
   const bool inMirror = mirror.contains(p);
-  const bool focused = isCaptureOneOrORLETFocused();
 
-  if (inMirror && !onTarget && focused) {
+  // The focus test changes nothing and costs round trips to the X server: it is asked only
+  // when its answer decides something, not sixty times a second.
+  if (inMirror && !onTarget && isCaptureOneOrORLETFocused()) {
     teleportMouse(globalPoint(target, relativePoint(mirror, p)));
     lastTeleportTime_ = now;
     publishOnTarget(true);

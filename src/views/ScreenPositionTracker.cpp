@@ -13,9 +13,11 @@ ScreenPositionTracker::ScreenPositionTracker(Scheduler& scheduler,
       displayInfo_(displayInfo),
       viewRectOnScreen_(std::move(viewRectOnScreen)) {}
 
+// The display's bounds are read once here, as the teleport manager reads them: a rearrangement
+// of the displays is noticed the next time the mirror is shown.
 void ScreenPositionTracker::startTracking(std::uint32_t displayId) {
   stopTracking();
-  displayId_ = displayId;
+  displaySize_ = displayInfo_.bounds(displayId).size();
   timer_ = scheduler_.every(updateInterval, lifetime_.guard([this] { updatePosition(); }));
 }
 
@@ -27,10 +29,9 @@ void ScreenPositionTracker::stopTracking() {
 // screen's height is needed. An unplugged display has empty bounds, and so an empty picture
 // rectangle: no jump can happen.
 void ScreenPositionTracker::updatePosition() {
-  if (!displayId_) return;
   const auto view = viewRectOnScreen_();
   if (!view) return;
-  const Rect fit = mirrorPictureRect(displayInfo_.bounds(*displayId_).size(), view->size());
+  const Rect fit = mirrorPictureRect(displaySize_, view->size());
   teleportManager_.updateMirrorRect(
       fit.isEmpty() ? Rect{} : Rect{view->x + fit.x, view->y + fit.y, fit.width, fit.height});
 }

@@ -38,7 +38,7 @@ class ScreenPositionTracker final : public PreviewCompanion {
   MouseTeleportManager& teleportManager_;
   const DisplayInfoProvider& displayInfo_;
   std::function<std::optional<Rect>()> viewRectOnScreen_;
-  std::optional<std::uint32_t> displayId_;
+  Size displaySize_;
   ScopedWorkItem timer_;
   Lifetime lifetime_;
 };

@@ -9,8 +9,8 @@
 //
 // stdout, one line each, flushed at once:
 //   window <main window id> <palette id or 0x0> <viewer id or 0x0>   once the windows exist
-//   click <button> <root x> <root y> <window id>
-//   release <button> <root x> <root y> <window id>
+//   click <button> <root x> <root y> <window id> <monotonic clock, microseconds>
+//   release <button> <root x> <root y> <window id> <monotonic clock, microseconds>
 //   key <keysym, hex>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -20,6 +20,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 namespace {
@@ -111,6 +112,13 @@ xcb_window_t open(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_screen_t
   return w;
 }
 
+// When an event was read, on the clock every process of the machine shares.
+long long now() {
+  timespec t{};
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return static_cast<long long>(t.tv_sec) * 1000000 + t.tv_nsec / 1000;
+}
+
 void report(const char* format, auto... args) {
   std::printf(format, args...);
   std::putchar('\n');
@@ -122,10 +130,10 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
     const auto type = event->response_type & 0x7f;
     if (type == XCB_BUTTON_PRESS) {
       const auto* e = reinterpret_cast<xcb_button_press_event_t*>(event);
-      report("click %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
+      report("click %u %d %d 0x%x %lld", e->detail, e->root_x, e->root_y, e->event, now());
     } else if (type == XCB_BUTTON_RELEASE) {
       const auto* e = reinterpret_cast<xcb_button_release_event_t*>(event);
-      report("release %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
+      report("release %u %d %d 0x%x %lld", e->detail, e->root_x, e->root_y, e->event, now());
     } else if (type == XCB_KEY_PRESS) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
       report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
