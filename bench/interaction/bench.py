@@ -143,7 +143,7 @@ def cpu_figures(args):
         xdotool(args.display, "mousemove", 3000, 1000)
         time.sleep(1)
         rows.append(("pointer resting on it", measure(pids, args.seconds)))
-        for name, centre in (("pointer moving off it", (960, 700)),
+        for name, centre in (("pointer moving off it", (1400, 840)),
                              ("pointer moving on it", (3200, 720))):
             mover = moving_pointer(args.display, args.seconds + 2, centre)
             time.sleep(1)
