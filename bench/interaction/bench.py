@@ -5,7 +5,7 @@ crossing cost, and how fast a click on the miniature reaches the window under it
 Started by run.sh, on its own Xorg dummy session (1920x1080 primary, 2560x1440 right of it),
 with the stand-in editor "Capture One 23" and its viewer window on the second display.
 
-CPU: ORLET's and the X server's, from /proc/<pid>/task/*/schedstat, over a window, with the
+CPU: ORLET's and the X server's, from /proc/<pid>/stat, over a window, with the
 second display enlarged in the mirror and nothing changing on it (so the capture itself costs
 next to nothing): pointer off that display, pointer resting on it, pointer moving on it at
 60 moves a second.
@@ -15,7 +15,6 @@ crosses), clicks on its picture by an XTEST clicker; from the moment the server 
 clicker's release to the moment the editor's window reads the replayed release.
 """
 import argparse
-import glob
 import os
 import subprocess
 import sys
@@ -29,13 +28,10 @@ VIEWER = "1200x600+2000+100"
 
 
 def cpu_ns(pid):
-    total = 0
-    for path in glob.glob(f"/proc/{pid}/task/*/schedstat"):
-        try:
-            total += int(open(path).read().split()[0])
-        except (OSError, ValueError, IndexError):
-            pass
-    return total
+    """User and system time of the whole process, threads that ended included (a sum over
+    /proc/<pid>/task would lose those)."""
+    fields = open(f"/proc/{pid}/stat").read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) * 1e9 / os.sysconf("SC_CLK_TCK")
 
 
 def xdotool(display, *args):

@@ -6,23 +6,19 @@
 #include "linux/x11/ClientWindows.h"
 
 namespace orlet::x11 {
-namespace {
 
-struct Pointer {
-  Point location;
-  std::uint16_t mask = 0;
-};
-
-Pointer queryPointer(const XConnection& x) {
-  auto* reply = xcb_query_pointer_reply(x.get(), xcb_query_pointer(x.get(), x.root()), nullptr);
+// The mirror's pointer tracking and crossing both sample the pointer sixty times a second, on
+// timers that fire together: one round trip serves every question asked within a millisecond.
+X11WindowServer::Pointer X11WindowServer::queryPointer() const {
+  const auto now = std::chrono::steady_clock::now();
+  if (lastQuery_ && now - *lastQuery_ < std::chrono::milliseconds(1)) return last_;
+  auto* reply = xcb_query_pointer_reply(x_.get(), xcb_query_pointer(x_.get(), x_.root()), nullptr);
   if (!reply) return {};
-  Pointer pointer{{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)},
-                  reply->mask};
+  last_ = {{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)}, reply->mask};
+  lastQuery_ = now;
   std::free(reply);
-  return pointer;
+  return last_;
 }
-
-}  // namespace
 
 std::optional<std::vector<WindowInfo>> X11WindowServer::onScreenWindows() const {
   const auto stacking = clientListStacking(x_);
@@ -36,13 +32,13 @@ std::optional<std::vector<WindowInfo>> X11WindowServer::onScreenWindows() const 
 }
 
 Point X11WindowServer::pointerLocation() const {
-  return queryPointer(x_).location;
+  return queryPointer().location;
 }
 
 // The core protocol's key-and-button mask (Button1Mask = left, Button2Mask = middle,
 // Button3Mask = right) in the port's order: left, right, middle.
 std::uint32_t X11WindowServer::pressedMouseButtons() const {
-  const auto mask = queryPointer(x_).mask;
+  const auto mask = queryPointer().mask;
   std::uint32_t buttons = 0;
   if (mask & XCB_BUTTON_MASK_1) buttons |= mouse_button::left;
   if (mask & XCB_BUTTON_MASK_3) buttons |= mouse_button::right;

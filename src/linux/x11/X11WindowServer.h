@@ -1,5 +1,8 @@
 #pragma once
 
+#include <chrono>
+#include <optional>
+
 #include "linux/x11/XConnection.h"
 #include "platform/WindowServer.h"
 
@@ -17,7 +20,15 @@ class X11WindowServer final : public WindowServer {
   std::uint32_t pressedMouseButtons() const override;
 
  private:
+  struct Pointer {
+    Point location;
+    std::uint16_t mask = 0;
+  };
+  Pointer queryPointer() const;
+
   const XConnection& x_;
+  mutable Pointer last_;
+  mutable std::optional<std::chrono::steady_clock::time_point> lastQuery_;
 };
 
 }  // namespace orlet::x11
