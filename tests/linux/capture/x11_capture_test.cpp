@@ -15,7 +15,7 @@
 namespace orlet {
 namespace {
 
-constexpr const char* displayName = ":63";
+constexpr const char* displayName = ORLET_CAPTURE_DISPLAY;
 constexpr Seconds patience{10};
 
 int shell(const std::string& command) {

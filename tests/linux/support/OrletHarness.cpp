@@ -129,20 +129,23 @@ void OrletTest::click(Spot at, int button) {
 }
 
 // In steps, as a hand would, so that whoever follows the drag (the panel itself, or the window
-// manager once the panel has handed it a move or resize) sees motion all the way.
+// manager once the panel has handed it a move or resize) sees motion all the way. One xdotool
+// run for the whole gesture: its short pauses keep their length on a busy machine, where a
+// process per step would leave the pointer still for as long as a process takes to start.
 void OrletTest::drag(Spot from, Spot to) {
-  const auto moveTo = [this](int x, int y) {
-    xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+  std::string gesture;
+  const auto moveTo = [&](int x, int y) {
+    gesture += " mousemove " + std::to_string(x) + " " + std::to_string(y) + " sleep 0.02";
   };
   moveTo(from.x, from.y);
-  xdotool("mousedown 1");
+  gesture += " mousedown 1";
   constexpr int steps = 12;
   for (int i = 1; i <= steps; ++i) {
     moveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
   }
   moveTo(to.x + 1, to.y);
   moveTo(to.x, to.y);
-  xdotool("mouseup 1");
+  xdotool(gesture + " mouseup 1");
 }
 
 void OrletTest::activate(xcb_window_t window) {
