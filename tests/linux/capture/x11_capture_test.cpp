@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string>
 
 #include "LoopScheduler.h"
+#include "Session.h"
 #include "XProbe.h"
 #include "capture/DisplayManager.h"
 #include "capture/VideoCaptureManager.h"
@@ -167,6 +170,27 @@ TEST_F(X11CaptureTest, SwitchingADisplayOffEndsItsStreamAndTheNextRefreshDropsIt
   EXPECT_EQ(displays.displays->at(0).displayID, primary.displayID);
 
   ASSERT_EQ(shell("xrandr --output DUMMY1 --mode 2560x1440_60 --pos 1920x0"), 0);
+}
+
+// Streams may outlive their service (a pending timer holds one): destroying the service still
+// stops and joins every capture thread, so none reports to a main queue that is going away.
+TEST_F(X11CaptureTest, DestroyingTheServiceJoinsTheThreadsOfStreamsThatLiveOn) {
+  const auto threads = [] {
+    const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
+    return std::distance(begin(tasks), end(tasks));
+  };
+  long idle = -1;  // once the list's query thread has ended
+  x11test::eventually([&] { return std::exchange(idle, threads()) == threads(); });
+  auto stream =
+      service->makeStream(secondary, VideoCaptureManager::configurationFor(secondary, 30));
+  bool started = false;
+  stream->startCapture([&](std::optional<CaptureError> error) { started = !error; });
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return started; }, patience));
+  EXPECT_GT(threads(), idle);
+
+  service.reset();
+  EXPECT_TRUE(x11test::eventually([&] { return threads() == idle; }, std::chrono::seconds(2)))
+      << threads();
 }
 
 }  // namespace

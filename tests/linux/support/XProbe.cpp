@@ -43,6 +43,12 @@ xcb_window_t XProbe::activeWindow() {
   return active.empty() ? XCB_NONE : active[0];
 }
 
+xcb_window_t XProbe::inputFocus() {
+  const Reply<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+  return reply ? reply->focus : XCB_NONE;
+}
+
 std::vector<xcb_window_t> XProbe::clientList() {
   return property(screen_->root, ewmh_._NET_CLIENT_LIST);
 }

@@ -31,6 +31,8 @@ class XProbe {
   xcb_ewmh_connection_t& ewmh() { return ewmh_; }
 
   xcb_window_t activeWindow();
+  // The window with the X keyboard focus (what a key press goes to), whatever the WM says.
+  xcb_window_t inputFocus();
   std::vector<xcb_window_t> clientList();
   // _NET_CLIENT_LIST_STACKING, bottom to top, keeping only windows the user sees: viewable, not
   // minimised, not docks.
