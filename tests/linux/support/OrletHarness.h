@@ -50,6 +50,7 @@ class OrletTest : public ::testing::Test {
   bool editorReceivesKey(const std::string& name, const std::string& keysym);
 
   std::optional<std::string> setting(const std::string& key) const;
+  void xdotool(const std::string& arguments);
 
   std::unique_ptr<XSession> session_;
   std::unique_ptr<XProbe> x_;
@@ -61,7 +62,6 @@ class OrletTest : public ::testing::Test {
   std::unique_ptr<Process> startStandIn(const std::string& name,
                                         std::vector<std::string> arguments);
   xcb_window_t orletWindow(bool (*fits)(const WindowRect&));
-  void xdotool(const std::string& arguments);
   int orletRuns_ = 0;
 };
 
