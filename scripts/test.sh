@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Builds ORLET with AddressSanitizer and UndefinedBehaviorSanitizer and runs the whole test suite:
 # the logic's unit tests, the formatting check, and the integration tests on a real X server.
+# Then builds the whole tree once more as a packager would, optimised (RelWithDebInfo, benchmarks
+# included), where the compiler's warnings differ, and runs the unit tests from that build.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,3 +15,7 @@ export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
 export LSAN_OPTIONS=${LSAN_OPTIONS:-suppressions=$PWD/tests/lsan.supp:print_suppressions=0}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 ctest --test-dir "$build" --output-on-failure --timeout 600 "$@"
+
+cmake -S . -B "$build-release" -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build "$build-release" -j"$(nproc)"
+ctest --test-dir "$build-release" --output-on-failure --timeout 600 -L unit

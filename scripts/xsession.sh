@@ -21,8 +21,18 @@ wait_until() {  # wait_until <seconds> <command...>: poll instead of sleeping a 
   done
 }
 
+# The pid written in a display's lock file (Xorg's own), empty when there is none.
+lock_owner() {
+  tr -d ' \n' 2>/dev/null < "/tmp/.X$number-lock" || true
+}
+
+# Stops what this run directory started. The display's lock file and socket are removed only
+# when they are our server's, or left over by a server that is gone: a session that lost the race
+# for a display never takes the winner's with it.
 stop() {
+  local ours=""
   if [[ -d $rundir ]]; then
+    [[ -e $rundir/xorg.pid ]] && ours=$(cat "$rundir/xorg.pid")
     for pidfile in "$rundir"/*.pid; do
       [[ -e $pidfile ]] || continue
       kill "$(cat "$pidfile")" 2>/dev/null || true
@@ -34,7 +44,17 @@ stop() {
       rm -f "$pidfile"
     done
   fi
-  rm -f "/tmp/.X$number-lock" "/tmp/.X11-unix/X$number"
+  local owner; owner=$(lock_owner)
+  if [[ -n $owner && ( $owner == "$ours" || ! -d /proc/$owner ) ]]; then
+    rm -f "/tmp/.X$number-lock" "/tmp/.X11-unix/X$number"
+  fi
+}
+
+# True once our own Xorg answers: it holds the display's lock (another server on that display
+# would answer xdpyinfo too).
+ours_is_up() {
+  local pid; pid=$(cat "$rundir/xorg.pid")
+  kill -0 "$pid" && [[ $(lock_owner) == "$pid" ]] && xdpyinfo -display "$display"
 }
 
 start() {
@@ -78,7 +98,13 @@ CONF
   Xorg "$display" -config "$rundir/xorg.conf" -noreset -nolisten tcp -logfile "$rundir/xorg.log" \
     >"$rundir/xorg.out" 2>&1 &
   echo $! > "$rundir/xorg.pid"
-  if ! wait_until 20 xdpyinfo -display "$display"; then
+  local up=0 deadline=$((SECONDS + 20))
+  while ((SECONDS < deadline)); do
+    if ours_is_up >/dev/null 2>&1; then up=1; break; fi
+    kill -0 "$(cat "$rundir/xorg.pid")" 2>/dev/null || break  # lost the display: say so now
+    sleep 0.1
+  done
+  if ((!up)); then
     echo "xsession.sh: Xorg did not start on $display; see $rundir/xorg.log" >&2
     tail -20 "$rundir/xorg.log" >&2 || true
     exit 1

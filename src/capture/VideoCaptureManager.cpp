@@ -23,7 +23,7 @@ StreamConfiguration VideoCaptureManager::configurationFor(const Display& display
   configuration.width = display.width;
   configuration.height = display.height;
   configuration.pixelFormat = pixelFormatBGRA;
-  configuration.showsCursor = false;  // the mirror draws the pointer itself
+  configuration.showsCursor = false;  // the pointer is not part of the picture
   configuration.minimumFrameInterval = MediaTime{1, static_cast<std::int32_t>(fps)};
   return configuration;
 }
@@ -34,6 +34,8 @@ void VideoCaptureManager::startCapture(const Display& display, std::int64_t fps)
   output_ = std::make_shared<StreamOutput>(
       lifetime_.guard([this](const SampleBuffer& sample) { convert(sample); }));
   stream_ = service_.makeStream(display, configuration);
+  stream_->setDidStopWithError(
+      lifetime_.guard([this, ended = stream_.get()](CaptureError) { lose(ended); }));
   // Attaching and starting run one turn later, so a stop in this turn cancels them.
   scheduler_.async(lifetime_.guard([this] { attachAndStart(); }));
 }
@@ -47,17 +49,38 @@ void VideoCaptureManager::attachAndStart() {
 
 void VideoCaptureManager::convert(const SampleBuffer& sample) {
   if (!sample.imageBuffer) return;
-  scheduler_.async(
-      lifetime_.guard([this, frame = sample.imageBuffer] { currentFrame.set(frame); }));
+  scheduler_.async(lifetime_.guard([this, frame = sample.imageBuffer] {
+    currentFrame.set(frame);
+    setLost(false);
+  }));
+}
+
+// The handler is the stream's own, so `ended` is alive whenever it runs; an older stream that
+// ends after a newer one started changes nothing.
+void VideoCaptureManager::lose(const CaptureStream* ended) {
+  if (stream_.get() != ended) return;
+  stream_ = nullptr;  // nothing left to stop; a new start may proceed
+  setLost(true);
+}
+
+void VideoCaptureManager::setLost(bool lost) {
+  if (streamLost.get() != lost) streamLost.set(lost);
 }
 
 void VideoCaptureManager::stopCapture() {
-  if (!stream_) return;
+  if (!stream_) {
+    if (!streamLost.get()) return;
+    output_ = nullptr;
+    currentFrame.set(nullptr);
+    setLost(false);
+    return;
+  }
   auto stream = std::move(stream_);
   stream_ = nullptr;
   stream->stopCapture(lifetime_.guard([this](std::optional<CaptureError>) {
     output_ = nullptr;
     currentFrame.set(nullptr);
+    setLost(false);
   }));
 }
 

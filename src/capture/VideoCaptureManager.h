@@ -21,6 +21,10 @@ class VideoCaptureManager {
   // The latest picture of the display; null before the first one and after a stop completes.
   Published<FrameRef> currentFrame;
 
+  // Whether the stream ended by itself (its display went away). The last picture stays in
+  // currentFrame until the next capture delivers one or a stop clears it.
+  Published<bool> streamLost{false};
+
   // Starts capturing `display` at most `fps` times a second; returns at once. Does nothing while
   // a stream is held, even for another display. `fps` outside 32 bits stops the program.
   void startCapture(const Display& display, std::int64_t fps = 30);
@@ -30,7 +34,7 @@ class VideoCaptureManager {
   // so its next frame fills currentFrame again).
   void stopCapture();
 
-  // Whether a stream is held (between startCapture and stopCapture).
+  // Whether a stream is held: from startCapture until stopCapture or the stream's own end.
   bool isCapturing() const { return stream_ != nullptr; }
 
   static StreamConfiguration configurationFor(const Display& display, std::int64_t fps);
@@ -38,6 +42,8 @@ class VideoCaptureManager {
  private:
   void attachAndStart();
   void convert(const SampleBuffer& sample);
+  void lose(const CaptureStream* ended);
+  void setLost(bool lost);
 
   Scheduler& scheduler_;
   CaptureService& service_;

@@ -9,12 +9,15 @@ DisplayPreviewModel::DisplayPreviewModel(Scheduler& scheduler, CaptureService& c
                                          const DisplayInfoProvider& displayInfo, Display display,
                                          bool isExpanded, std::function<void()> onBack,
                                          int displayIndex)
-    : display_(std::move(display)),
+    : scheduler_(scheduler),
+      capture_(capture),
+      display_(std::move(display)),
       isExpanded_(isExpanded),
       onBack_(std::move(onBack)),
       displayIndex_(displayIndex),
       displayInfo_(displayInfo),
-      cm_(scheduler, capture) {}
+      cm_(scheduler, capture),
+      lostWatch_(cm_.streamLost.observe([this](bool lost) { watchForReturn(lost); })) {}
 
 std::string DisplayPreviewModel::displayName() const {
   return orlet::displayName(displayIndex_);
@@ -42,6 +45,33 @@ void DisplayPreviewModel::appear() {
 void DisplayPreviewModel::disappear() {
   cm_.stopCapture();
   for (const auto& companion : companions_) companion->stop();
+}
+
+void DisplayPreviewModel::watchForReturn(bool lost) {
+  if (!lost) {
+    returnCheck_.cancel();
+    return;
+  }
+  returnCheck_ =
+      scheduler_.every(returnCheckInterval, lifetime_.guard([this] { lookForDisplay(); }));
+}
+
+// The display comes back under the same id, maybe with another size or place: capture it as it
+// is now.
+void DisplayPreviewModel::lookForDisplay() {
+  if (querying_ || cm_.isCapturing()) return;
+  querying_ = true;
+  capture_.shareableContent(
+      lifetime_.guard([this](std::optional<ShareableContent> content, std::optional<CaptureError>) {
+        querying_ = false;
+        if (!content || !cm_.streamLost.get() || cm_.isCapturing()) return;
+        for (const auto& display : content->displays) {
+          if (display.displayID != display_.displayID) continue;
+          display_ = display;
+          cm_.startCapture(display_, framesPerSecond);
+          return;
+        }
+      }));
 }
 
 }  // namespace orlet

@@ -7,8 +7,10 @@
 
 #include "capture/VideoCaptureManager.h"
 #include "foundation/Geometry.h"
+#include "foundation/Lifetime.h"
 #include "foundation/Observable.h"
 #include "foundation/Scheduler.h"
+#include "foundation/Subscription.h"
 #include "platform/CaptureService.h"
 #include "platform/DisplayInfo.h"
 
@@ -30,6 +32,8 @@ class PreviewCompanion {
 class DisplayPreviewModel {
  public:
   static constexpr std::int64_t framesPerSecond = 30;
+  // How often a preview whose display went away looks for it again.
+  static constexpr Seconds returnCheckInterval{1};
 
   DisplayPreviewModel(Scheduler& scheduler, CaptureService& capture,
                       const DisplayInfoProvider& displayInfo, Display display, bool isExpanded,
@@ -60,10 +64,17 @@ class DisplayPreviewModel {
   // Only the enlarged mirror runs companions.
   void addCompanion(std::unique_ptr<PreviewCompanion> companion);
 
+  // Appearing starts the capture; a display lost meanwhile is captured again, by itself, once
+  // the service lists the same display again.
   void appear();
   void disappear();
 
  private:
+  void watchForReturn(bool lost);
+  void lookForDisplay();
+
+  Scheduler& scheduler_;
+  CaptureService& capture_;
   Display display_;
   bool isExpanded_;
   std::function<void()> onBack_;
@@ -71,6 +82,10 @@ class DisplayPreviewModel {
   const DisplayInfoProvider& displayInfo_;
   VideoCaptureManager cm_;
   std::vector<std::unique_ptr<PreviewCompanion>> companions_;
+  ScopedWorkItem returnCheck_;
+  bool querying_ = false;
+  Subscription lostWatch_;
+  Lifetime lifetime_;
 };
 
 }  // namespace orlet

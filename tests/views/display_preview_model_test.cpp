@@ -61,5 +61,42 @@ TEST_F(DisplayPreviewModelTest, StreamsWhileShownAndOnlyTheMirrorRunsCompanions)
   }
 }
 
+// A display unplugged under its preview leaves the last picture, marked lost; the same display
+// plugged back (same id, whatever its place) brings the preview back live by itself, another
+// display does not; hiding the preview ends the wait.
+TEST_F(DisplayPreviewModelTest, ALostDisplayIsMarkedAndComesBackLiveWhenItReturns) {
+  capture.displays = {display};
+  const auto shown = preview(true, 1);
+  shown->appear();
+  scheduler.runUntilIdle();
+  const FrameRef last = shown->cm().currentFrame.get();
+  ASSERT_NE(last, nullptr);
+  EXPECT_FALSE(shown->cm().streamLost.get());
+
+  capture.displays = {test::makeDisplay(78, 1920, 1080)};
+  capture.streams.back()->endWithError(CaptureError{"the monitor is gone"});
+  scheduler.advance(Seconds{5});
+  EXPECT_TRUE(shown->cm().streamLost.get());
+  EXPECT_EQ(shown->cm().currentFrame.get(), last);
+  EXPECT_EQ(capture.streams.size(), 1u);
+
+  capture.displays.push_back(test::makeDisplay(77, 1920, 1080, 2560));
+  scheduler.advance(Seconds{2});
+  ASSERT_EQ(capture.streams.size(), 2u);
+  EXPECT_TRUE(capture.streams.back()->isRunning());
+  EXPECT_EQ(capture.streams.back()->configuration().width, 1920);
+  EXPECT_FALSE(shown->cm().streamLost.get());
+  EXPECT_NE(shown->cm().currentFrame.get(), last);
+
+  capture.streams.back()->endWithError(CaptureError{"the monitor is gone"});
+  scheduler.runUntilIdle();
+  ASSERT_TRUE(shown->cm().streamLost.get());
+  shown->disappear();
+  scheduler.advance(Seconds{5});
+  EXPECT_EQ(capture.streams.size(), 2u);
+  EXPECT_FALSE(shown->cm().streamLost.get());
+  EXPECT_EQ(shown->cm().currentFrame.get(), nullptr);
+}
+
 }  // namespace
 }  // namespace orlet

@@ -191,6 +191,7 @@ std::optional<CaptureError> Grabber::grab() {
       // page by page can take tens of milliseconds, which must not eat into a caller's wait
       // for the first frame.
       if (!std::exchange(announced_, true)) events_.started(std::nullopt);
+      if (events_.read) events_.read(changed);
       events_.frame(std::move(frame));
       return std::nullopt;
     case PixelReader::Result::busy:  // readers hold every buffer: try again next interval

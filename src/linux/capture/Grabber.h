@@ -3,7 +3,9 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "capture/PixelRect.h"
 #include "foundation/Scheduler.h"
 #include "platform/CaptureService.h"
 
@@ -13,7 +15,10 @@ namespace orlet::linux_capture {
 struct GrabberEvents {
   std::function<void(std::optional<CaptureError>)> started;  // once, first
   std::function<void(FrameRef)> frame;                       // each new picture
-  std::function<void(std::optional<CaptureError>)> ended;    // once, last; nullopt: stopped
+  // Optional, just before each picture: the rectangles of it read from the server (display
+  // coordinates); the rest came unchanged from the previous picture.
+  std::function<void(const std::vector<PixelRect>&)> read;
+  std::function<void(std::optional<CaptureError>)> ended;  // once, last; nullopt: stopped
 };
 
 struct GrabberSettings {

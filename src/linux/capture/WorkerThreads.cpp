@@ -20,6 +20,7 @@ void StopSignal::raise() const {
 
 void WorkerThreads::spawn(std::shared_ptr<StopSignal> stop, std::function<void()> body) {
   std::lock_guard lock(mutex_);
+  if (closed_) return;
   reapFinished();
   auto done = std::make_shared<std::atomic<bool>>(false);
   std::thread thread([body = std::move(body), done] {
@@ -40,12 +41,21 @@ void WorkerThreads::reapFinished() {
   }
 }
 
-WorkerThreads::~WorkerThreads() {
-  std::lock_guard lock(mutex_);
-  for (auto& worker : workers_) {
+void WorkerThreads::close() {
+  std::vector<Worker> workers;
+  {
+    std::lock_guard lock(mutex_);
+    closed_ = true;
+    workers.swap(workers_);
+  }
+  for (auto& worker : workers) {
     if (worker.stop) worker.stop->raise();
   }
-  for (auto& worker : workers_) worker.thread.join();
+  for (auto& worker : workers) worker.thread.join();
+}
+
+WorkerThreads::~WorkerThreads() {
+  close();
 }
 
 }  // namespace orlet::linux_capture

@@ -24,7 +24,9 @@ class StopSignal {
 };
 
 // Owns the capture service's threads: joins those that finished whenever a new one starts, and
-// on destruction stops and joins the rest, so no thread outlives the service's last user.
+// on close() (or destruction) stops and joins the rest. Streams share it with the service and may
+// outlive the service (a pending timer may hold one), so the service closes it itself: no thread
+// outlives the service, whoever still holds a stream.
 class WorkerThreads {
  public:
   WorkerThreads() = default;
@@ -32,8 +34,12 @@ class WorkerThreads {
   WorkerThreads(const WorkerThreads&) = delete;
   WorkerThreads& operator=(const WorkerThreads&) = delete;
 
-  // Runs `body` on a new thread; `stop` (may be null) is raised at destruction.
+  // Runs `body` on a new thread; `stop` (may be null) is raised at close(). Once closed, `body`
+  // never runs.
   void spawn(std::shared_ptr<StopSignal> stop, std::function<void()> body);
+
+  // Raises every stop signal and joins every thread; returns when none runs any more.
+  void close();
 
  private:
   struct Worker {
@@ -45,6 +51,7 @@ class WorkerThreads {
 
   std::mutex mutex_;
   std::vector<Worker> workers_;
+  bool closed_ = false;
 };
 
 }  // namespace orlet::linux_capture

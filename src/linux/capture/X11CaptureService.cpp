@@ -9,7 +9,11 @@ namespace orlet::linux_capture {
 X11CaptureService::X11CaptureService(Scheduler& scheduler, std::string displayName)
     : scheduler_(scheduler), displayName_(std::move(displayName)) {}
 
-X11CaptureService::~X11CaptureService() = default;
+// Streams may still be held (by a pending timer of the main queue, say): their threads end here
+// all the same, so none of them reports to a main queue that is being torn down.
+X11CaptureService::~X11CaptureService() {
+  threads_->close();
+}
 
 void X11CaptureService::shareableContent(
     std::function<void(std::optional<ShareableContent>, std::optional<CaptureError>)> completion) {

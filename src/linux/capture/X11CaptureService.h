@@ -11,7 +11,8 @@ namespace orlet::linux_capture {
 
 // Screen capture on an X11 server: displays are RandR 1.5 monitors; each stream reads its
 // monitor on a thread of its own (MIT-SHM, driven by DAMAGE). `scheduler` must outlive the
-// service and every stream it made; destroying the service stops and joins their threads.
+// service; destroying the service stops and joins every thread it or its streams started, even
+// while streams live on (a stream started after that captures nothing).
 class X11CaptureService final : public CaptureService {
  public:
   explicit X11CaptureService(Scheduler& scheduler, std::string displayName = {});

@@ -3,19 +3,26 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #include "LoopScheduler.h"
+#include "Session.h"
 #include "XProbe.h"
 #include "capture/DisplayManager.h"
 #include "capture/VideoCaptureManager.h"
+#include "linux/capture/Grabber.h"
+#include "linux/capture/WorkerThreads.h"
 #include "linux/capture/X11CaptureService.h"
 
 namespace orlet {
 namespace {
 
-constexpr const char* displayName = ":63";
+constexpr const char* displayName = ORLET_CAPTURE_DISPLAY;
 constexpr Seconds patience{10};
 
 int shell(const std::string& command) {
@@ -167,6 +174,65 @@ TEST_F(X11CaptureTest, SwitchingADisplayOffEndsItsStreamAndTheNextRefreshDropsIt
   EXPECT_EQ(displays.displays->at(0).displayID, primary.displayID);
 
   ASSERT_EQ(shell("xrandr --output DUMMY1 --mode 2560x1440_60 --pos 1920x0"), 0);
+}
+
+// After the first picture, only what changed is read from the server: a small window appearing
+// costs a read of about its own size, not of the display.
+TEST_F(X11CaptureTest, AfterTheFirstPictureOnlyTheChangedRectanglesAreRead) {
+  std::mutex mutex;
+  std::vector<std::vector<PixelRect>> reads;
+  linux_capture::GrabberEvents events;
+  events.started = events.ended = [](std::optional<CaptureError>) {};
+  events.frame = [](FrameRef) {};
+  events.read = [&](const std::vector<PixelRect>& rects) {
+    std::lock_guard lock(mutex);
+    reads.push_back(rects);
+  };
+  const auto readsSoFar = [&] {
+    std::lock_guard lock(mutex);
+    return reads;
+  };
+  linux_capture::StopSignal stop;
+  const linux_capture::GrabberSettings settings{displayName, secondary.displayID, Seconds{1.0 / 60},
+                                                stop.fd()};
+  std::thread grabber([&] { linux_capture::runGrabber(settings, events); });
+  ASSERT_TRUE(x11test::eventually([&] { return !readsSoFar().empty(); }));
+  painter.paint({1920 + 300, 200, 40, 30}, 0x00FF00);
+  ASSERT_TRUE(x11test::eventually([&] { return readsSoFar().size() >= 2; }));
+  stop.raise();
+  grabber.join();
+
+  const auto all = readsSoFar();
+  EXPECT_EQ(all.front(), (std::vector<PixelRect>{{0, 0, 2560, 1440}}));
+  for (std::size_t i = 1; i < all.size(); ++i) {
+    std::int64_t area = 0;
+    for (const auto& r : all[i]) area += r.area();
+    EXPECT_GT(area, 0);
+    EXPECT_LE(area, 4 * 40 * 30) << "read " << i;
+  }
+  const PixelRect painted{300, 200, 40, 30};
+  EXPECT_EQ(boundingBox(all[1]), painted);
+}
+
+// Streams may outlive their service (a pending timer holds one): destroying the service still
+// stops and joins every capture thread, so none reports to a main queue that is going away.
+TEST_F(X11CaptureTest, DestroyingTheServiceJoinsTheThreadsOfStreamsThatLiveOn) {
+  const auto threads = [] {
+    const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
+    return std::distance(begin(tasks), end(tasks));
+  };
+  long idle = -1;  // once the list's query thread has ended
+  x11test::eventually([&] { return std::exchange(idle, threads()) == threads(); });
+  auto stream =
+      service->makeStream(secondary, VideoCaptureManager::configurationFor(secondary, 30));
+  bool started = false;
+  stream->startCapture([&](std::optional<CaptureError> error) { started = !error; });
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return started; }, patience));
+  EXPECT_GT(threads(), idle);
+
+  service.reset();
+  EXPECT_TRUE(x11test::eventually([&] { return threads() == idle; }, std::chrono::seconds(2)))
+      << threads();
 }
 
 }  // namespace

@@ -4,9 +4,6 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "views/AdaptiveGrid.h"
-#include "views/MirrorGeometry.h"
-
 namespace orlet::x11test {
 namespace fs = std::filesystem;
 
@@ -17,18 +14,20 @@ bool near(std::uint32_t a, std::uint32_t b) {
   return true;
 }
 
+// Worked out by hand from the layout of the 900 x 600 panel rather than with the layout code, so
+// that a layout fault is not shared by the test: four columns of 209 (8 padding, 16 apart, at
+// least 200 wide); in each card a 120-high picture inside a 6-pixel shadow margin, so 16:9 fitted
+// into 197 x 120; the enlarged picture 16:9 fitted into the whole panel.
 Rect thumbnail(const WindowRect& m, int index) {
-  constexpr double kThumbnailHeight = 120;
-  constexpr double kShadowMargin = 6;
-  const Rect cell = AdaptiveGrid{}.cells(m.width, index + 1, kThumbnailHeight).back();
-  const Rect inner{cell.x + kShadowMargin, cell.y + kShadowMargin, cell.width - 2 * kShadowMargin,
-                   kThumbnailHeight};
-  const Rect fit = mirrorPictureRect(kDisplaySize, inner.size());
-  return {inner.x + fit.x, inner.y + fit.y, fit.width, fit.height};
+  EXPECT_EQ(m.width, 900);
+  EXPECT_EQ(m.height, 600);
+  return {8 + 6 + index * (209.0 + 16), 8 + 6 + 4.59375, 197, 110.8125};
 }
 
 Rect enlarged(const WindowRect& m) {
-  return mirrorPictureRect(kDisplaySize, {double(m.width), double(m.height)});
+  EXPECT_EQ(m.width, 900);
+  EXPECT_EQ(m.height, 600);
+  return {0, 46.875, 900, 506.25};
 }
 
 Rect enlargedOnScreen(const WindowRect& m) {
@@ -166,20 +165,23 @@ void OrletTest::click(Spot at, int button) {
 }
 
 // In steps, as a hand would, so that whoever follows the drag (the panel itself, or the window
-// manager once the panel has handed it a move or resize) sees motion all the way.
+// manager once the panel has handed it a move or resize) sees motion all the way. One xdotool
+// run for the whole gesture: its short pauses keep their length on a busy machine, where a
+// process per step would leave the pointer still for as long as a process takes to start.
 void OrletTest::drag(Spot from, Spot to) {
-  const auto moveTo = [this](int x, int y) {
-    xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+  std::string gesture;
+  const auto moveTo = [&](int x, int y) {
+    gesture += " mousemove " + std::to_string(x) + " " + std::to_string(y) + " sleep 0.02";
   };
   moveTo(from.x, from.y);
-  xdotool("mousedown 1");
+  gesture += " mousedown 1";
   constexpr int steps = 12;
   for (int i = 1; i <= steps; ++i) {
     moveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
   }
   moveTo(to.x + 1, to.y);
   moveTo(to.x, to.y);
-  xdotool("mouseup 1");
+  xdotool(gesture + " mouseup 1");
 }
 
 void OrletTest::activate(xcb_window_t window) {

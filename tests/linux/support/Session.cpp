@@ -91,13 +91,14 @@ int xsession(const std::string& arguments, const std::string& runDirectory) {
 }  // namespace
 
 // A display whose lock file exists belongs to someone else (another test run, a developer's
-// session); Xorg itself refuses a taken display, so a lost race only moves on to the next.
-// ORLET_TEST_DISPLAY_FIRST moves the ten-display pool, so that runs from several checkouts on
-// one machine never meet.
+// session); Xorg itself refuses a taken display, and the session script then leaves the winner's
+// lock alone, so a lost race only moves on to the next. The pool is the first eight of the ten
+// displays from ORLET_TEST_DISPLAY_FIRST (as configured, or as set now), so that runs from
+// several checkouts on one machine never meet.
 XSession::XSession() {
   const char* first = std::getenv("ORLET_TEST_DISPLAY_FIRST");
-  const int base = first && *first ? std::atoi(first) : 50;
-  for (int number = base; number < base + 10; ++number) {
+  const int base = first && *first ? std::atoi(first) : ORLET_TEST_DISPLAY_FIRST;
+  for (int number = base; number < base + 8; ++number) {
     if (std::filesystem::exists("/tmp/.X" + std::to_string(number) + "-lock")) continue;
     display_ = ":" + std::to_string(number);
     runDirectory_ =
@@ -106,7 +107,7 @@ XSession::XSession() {
     xsession("stop " + display_, runDirectory_);
   }
   throw std::runtime_error("no X session could be started on :" + std::to_string(base) +
-                           " to :" + std::to_string(base + 9));
+                           " to :" + std::to_string(base + 7));
 }
 
 XSession::~XSession() {

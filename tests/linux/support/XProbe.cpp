@@ -44,9 +44,30 @@ std::pair<int, int> XProbe::pointer() {
   return reply ? std::pair<int, int>{reply->root_x, reply->root_y} : std::pair<int, int>{-1, -1};
 }
 
+xcb_atom_t XProbe::atom(const std::string& name) {
+  Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+      c_, xcb_intern_atom(c_, 0, std::uint16_t(name.size()), name.c_str()), nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
 xcb_window_t XProbe::activeWindow() {
   const auto active = property(screen_->root, ewmh_._NET_ACTIVE_WINDOW);
   return active.empty() ? XCB_NONE : active[0];
+}
+
+xcb_window_t XProbe::inputFocus() {
+  const Reply<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+  return reply ? reply->focus : XCB_NONE;
+}
+
+bool XProbe::acceptsFocus(xcb_window_t window) {
+  const auto hints = property(window, XCB_ATOM_WM_HINTS);
+  constexpr std::uint32_t inputHint = 1;  // flags bit: the input field is set
+  const bool input = hints.size() < 2 || !(hints[0] & inputHint) || hints[1] != 0;
+  const auto protocols = property(window, ewmh_.WM_PROTOCOLS);
+  const xcb_atom_t takeFocus = atom("WM_TAKE_FOCUS");
+  return input || std::find(protocols.begin(), protocols.end(), takeFocus) != protocols.end();
 }
 
 std::vector<xcb_window_t> XProbe::clientList() {
@@ -197,12 +218,10 @@ xcb_randr_output_t XProbe::output(const std::string& name) {
 
 void XProbe::setOutputBytes(xcb_randr_output_t output, const std::string& name,
                             const std::vector<std::uint8_t>& bytes) {
-  Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-      c_, xcb_intern_atom(c_, 0, std::uint16_t(name.size()), name.c_str()), nullptr));
   Reply<xcb_generic_error_t> error(xcb_request_check(
-      c_, xcb_randr_change_output_property_checked(
-              c_, output, atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE}, XCB_ATOM_INTEGER, 8,
-              XCB_PROP_MODE_REPLACE, std::uint32_t(bytes.size()), bytes.data())));
+      c_, xcb_randr_change_output_property_checked(c_, output, atom(name), XCB_ATOM_INTEGER, 8,
+                                                   XCB_PROP_MODE_REPLACE,
+                                                   std::uint32_t(bytes.size()), bytes.data())));
   if (error) throw std::runtime_error("cannot set output property " + name);
 }
 

@@ -32,6 +32,8 @@ class XProbe {
   xcb_ewmh_connection_t& ewmh() { return ewmh_; }
 
   xcb_window_t activeWindow();
+  // The window with the X keyboard focus (what a key press goes to), whatever the WM says.
+  xcb_window_t inputFocus();
   std::vector<xcb_window_t> clientList();
   // _NET_CLIENT_LIST_STACKING, bottom to top, keeping only windows the user sees: viewable, not
   // minimised, not docks.
@@ -43,6 +45,9 @@ class XProbe {
   // The tray host's panel: the dock window among the managed ones.
   std::optional<xcb_window_t> trayPanel();
 
+  // Whether a window manager may give `window` the keyboard focus: its WM_HINTS input field, or
+  // WM_TAKE_FOCUS among its WM_PROTOCOLS (ICCCM 4.1.7).
+  bool acceptsFocus(xcb_window_t window);
   bool isViewable(xcb_window_t window);
   bool isOverrideRedirect(xcb_window_t window);
   bool hasState(xcb_window_t window, xcb_atom_t state);
@@ -67,6 +72,7 @@ class XProbe {
  private:
   std::vector<xcb_window_t> children(xcb_window_t parent);
   std::vector<std::uint32_t> property(xcb_window_t window, xcb_atom_t name);
+  xcb_atom_t atom(const std::string& name);
   bool has(xcb_window_t window, xcb_atom_t name, xcb_atom_t value);
   bool isDock(xcb_window_t window);
   std::optional<pid_t> pidOf(xcb_window_t window);

@@ -3,6 +3,11 @@
 #include <QImage>
 #include <QLabel>
 
+#include <set>
+
+#include "XProbe.h"
+#include "linux/capture/X11CaptureService.h"
+#include "linux/qt/QtScheduler.h"
 #include "linux/qt/views/DisplayPreviewView.h"
 #include "linux/qt/views/FrameView.h"
 #include "linux/views/QtTestSupport.h"
@@ -85,6 +90,46 @@ TEST(DisplayPreviewView, OverlaysCoverTheWholeMirror) {
   ASSERT_TRUE(test::processEventsUntil([&] { return mirror.isVisible(); }));
   EXPECT_EQ(overlay->parentWidget(), &mirror);
   EXPECT_EQ(overlay->geometry(), QRect(0, 0, 400, 300));
+}
+
+// On the real capture path the mirror paints the very frames the capture thread filled: the one
+// it holds is the one the capture published, and their pixels are the few buffers the capture
+// reuses, however many pictures go by. A copy anywhere on the way gives fresh pixels each time.
+TEST(DisplayPreviewView, PaintsTheCapturedFramesWithoutCopyingThem) {
+  QtScheduler scheduler;
+  NotificationCenter center;
+  linux_capture::X11CaptureService capture{scheduler};
+  test::FakeScreenCapturePermission permission{scheduler};
+  test::FakeDisplayInfoProvider info;
+  std::optional<Display> main;
+  capture.shareableContent([&](std::optional<ShareableContent> content, auto) {
+    for (const auto& d : content ? content->displays : std::vector<Display>{}) {
+      if (d.isMain) main = d;
+    }
+  });
+  ASSERT_TRUE(test::processEventsUntil([&] { return main.has_value(); }));
+  MirrorViewPorts ports{scheduler, center, capture, permission, info, [] { return true; }, {}};
+  DisplayPreviewView mirror(
+      ports, *main, true, [] {}, 1);
+  mirror.resize(400, 300);
+  mirror.show();
+  const auto* frameView = mirror.findChild<FrameView*>();
+  x11test::XProbe painter;
+  const x11test::WindowRect spot{1700, 900, 100, 100};
+  const xcb_window_t canvas = painter.paint(spot, 0x000000);
+  std::set<const std::uint8_t*> buffers;
+  for (std::uint32_t i = 1; i <= 8; ++i) {
+    const std::uint32_t colour = 0x102030 * i;
+    painter.fill(canvas, {0, 0, spot.width, spot.height}, colour);
+    ASSERT_TRUE(test::processEventsUntil([&] {
+      const FrameRef& shown = frameView->frame();
+      return shown && (shown->pixel(spot.x + 50, spot.y + 50) & 0xFFFFFF) == colour;
+    })) << i;
+    EXPECT_EQ(frameView->frame(), mirror.model().cm().currentFrame.get());
+    buffers.insert(frameView->frame()->pixels());
+  }
+  EXPECT_LE(buffers.size(), 3u);
+  mirror.hide();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QToolButton>
 
+#include "XProbe.h"
 #include "linux/qt/views/BusyIndicator.h"
 #include "linux/qt/views/DetailsPopover.h"
 #include "linux/qt/views/DisplayGridView.h"
@@ -80,6 +81,13 @@ TEST_F(SelectorViewTest, WithoutPermissionTheCardSaysSoInRedAndOpensTheSettings)
                                    [](QLabel* l) { return l->text().startsWith("Statut"); });
   ASSERT_NE(status, labels.end());
   EXPECT_EQ((*status)->palette().color(QPalette::WindowText), QColor(255, 59, 48));
+  // The card shows only where X11 cannot capture (a Wayland session): it names the way out.
+  const auto caption = std::find_if(labels.begin(), labels.end(),
+                                    [](QLabel* l) { return l->text().startsWith("Pour"); });
+  ASSERT_NE(caption, labels.end());
+  EXPECT_EQ((*caption)->text(),
+            "Pour continuer, ouvre une session X11 : sur l'écran de connexion, choisis "
+            "« Ubuntu sur Xorg » ou « GNOME sur Xorg ».");
   card->settingsButton()->click();
   EXPECT_TRUE(permission.settingsOpen);
 
@@ -132,12 +140,16 @@ TEST_F(SelectorViewTest, DetailsPopoverShowsTheDisplayFactsWithoutTakingTheFocus
   showPanel();
   advance(1);
   auto* card = view.grid()->cards()[1];
+  x11test::XProbe x;
+  const xcb_window_t focus = x.inputFocus();
   card->infoButton()->click();
   advance(0);
   ASSERT_NE(card->popover(), nullptr);
   ASSERT_TRUE(processEventsUntil([&] { return card->popover()->isVisible(); }));
   EXPECT_EQ(card->popover()->text(), "ORLET Studio\n27\"\n2560 × 1440\n16/9\n60 Hz\n8-bit");
-  EXPECT_NE(QApplication::activeWindow(), card->popover());
+  // The window manager had its turn: the keyboard stays where it was.
+  test::processPendingEvents();
+  EXPECT_EQ(x.inputFocus(), focus);
   // Below the button, pointing at it.
   const QRect button(card->infoButton()->mapToGlobal(QPoint(0, 0)), card->infoButton()->size());
   EXPECT_GE(card->popover()->geometry().top(), button.bottom());

@@ -3,13 +3,19 @@
 #include <fstream>
 
 #include "OrletHarness.h"
-#include "views/MirrorGeometry.h"
 
 namespace orlet::x11test {
 namespace {
 
 constexpr std::uint32_t kQuarters[4] = {0xD02020, 0x20B040, 0x2040D0, 0xE0C020};
 constexpr std::uint32_t kMainMark = 0xC020C0;  // bottom-right of the main display
+
+// `rgb` under the veil over a picture that is no longer live: black at 150/255.
+std::uint32_t dimmed(std::uint32_t rgb) {
+  std::uint32_t result = 0;
+  for (int shift : {0, 8, 16}) result |= (((rgb >> shift) & 0xFF) * 105 / 255) << shift;
+  return result;
+}
 
 // Threads of `pid` that carry the program's own name: the main thread and the capture threads,
 // which are not named otherwise (the toolkit names its own).
@@ -39,8 +45,8 @@ class ViewsEndToEnd : public OrletTest {
   static WindowRect quarter(int i) { return {(i % 2) * 1280, (i / 2) * 720, 1280, 720}; }
   // The screen under relative point `rel` of a picture at `picture` in the panel `m`.
   std::uint32_t shown(const WindowRect& m, const Rect& picture, Point rel) {
-    const Point p = viewPoint(picture, rel);
-    return x_->pixel(m.x + int(p.x), m.y + int(p.y));
+    return x_->pixel(m.x + int(picture.x + rel.x * picture.width),
+                     m.y + int(picture.y + rel.y * picture.height));
   }
   bool showsQuarters(const WindowRect& m, const Rect& picture) {
     for (int i = 0; i < 4; ++i) {
@@ -58,10 +64,11 @@ TEST_F(ViewsEndToEnd, MirrorShowsTheDisplaysLiveAndTheChosenOneLarge) {
   startOrlet();
   const int threadsBefore = unnamedThreads(orlet_->pid());
   const WindowRect m = showMirror();
+  ASSERT_EQ(m.width, 900);
+  ASSERT_EQ(m.height, 600);
 
   // Both displays as live cards, the main one first: the second card shows the quarters.
-  ASSERT_TRUE(eventually([&] { return showsQuarters(m, thumbnail(m, 1)); }, 15s))
-      << orlet_->output();
+  ASSERT_TRUE(eventually([&] { return showsQuarters(m, thumbnail(m, 1)); }, 15s));
   EXPECT_FALSE(showsQuarters(m, thumbnail(m, 0)));
   EXPECT_GT(unnamedThreads(orlet_->pid()), threadsBefore);
 
@@ -96,6 +103,46 @@ TEST_F(ViewsEndToEnd, MirrorShowsTheDisplaysLiveAndTheChosenOneLarge) {
   EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
   EXPECT_TRUE(eventually([&] { return unnamedThreads(orlet_->pid()) == threadsBefore; }, 10s))
       << unnamedThreads(orlet_->pid()) << " threads, " << threadsBefore << " before";
+}
+
+// Unplugging the chosen display dims its last picture under a caption; plugging the same output
+// back (xrandr places it over the main display) brings the mirror back live, with what is there.
+TEST_F(ViewsEndToEnd, AnUnpluggedDisplayIsDimmedUntilItIsPluggedBack) {
+  startOrlet();
+  const WindowRect m = showMirror();
+  ASSERT_TRUE(eventually([&] { return showsQuarters(m, thumbnail(m, 1)); }, 15s));
+  click({m.x + int(kThumbnails[1].midX()), m.y + int(kThumbnails[1].midY())});
+  ASSERT_TRUE(eventually([&] { return showsQuarters(m, enlarged(m)); }, 10s));
+
+  const auto xrandr = [&](const std::string& arguments) {
+    return std::system(("DISPLAY=" + session_->display() + " xrandr " + arguments).c_str());
+  };
+  ASSERT_EQ(xrandr("--output DUMMY1 --off"), 0);
+  EXPECT_TRUE(eventually(
+      [&] {
+        for (int i = 0; i < 4; ++i) {
+          const Point at{0.25 + 0.5 * (i % 2), 0.25 + 0.5 * (i / 2)};
+          if (!near(shown(m, enlarged(m), at), dimmed(kQuarters[i]))) return false;
+        }
+        return true;
+      },
+      10s))
+      << std::hex << shown(m, enlarged(m), {0.25, 0.25});
+  // The caption: white text across the middle of the picture.
+  const auto middle = x_->pixels({m.x + 300, m.y + int(kEnlarged.midY()) - 10, 300, 20});
+  EXPECT_TRUE(std::any_of(middle.begin(), middle.end(), [](auto p) { return near(p, 0xFFFFFF); }));
+
+  // The server may turn down the first --auto when another client has just read its
+  // configuration (xrandr then says nothing): plug it in until it is there.
+  ASSERT_TRUE(eventually([&] {
+    return xrandr("--output DUMMY1 --auto") == 0 && xrandr("--listmonitors | grep -q DUMMY1") == 0;
+  }));
+  EXPECT_TRUE(eventually(
+      [&] {
+        return near(shown(m, enlarged(m), {0.93, 0.93}), kMainMark);
+      },
+      10s))
+      << std::hex << shown(m, enlarged(m), {0.93, 0.93});
 }
 
 }  // namespace

@@ -21,13 +21,16 @@ class MirrorTest : public OrletTest {
 };
 
 // A click on the button shows the mirror beside it, top edges aligned, and a second click hides
-// it; neither those clicks nor one on the mirror take the keyboard from the editor.
+// it; neither those clicks nor one on the mirror take the keyboard from the editor, and neither
+// window lets any window manager give it the keyboard (openbox alone would not try).
 TEST_F(MirrorTest, ButtonTogglesTheMirrorAndTheEditorKeepsTheFocus) {
   startOrlet();
   const auto b = rectOf(button());
   const auto m = showMirror();
   EXPECT_EQ(m, (WindowRect{b.x + b.width, b.y, 900, 600}));
   EXPECT_GT(levelOf(mirror()), levelOf(editorWindow_));
+  EXPECT_FALSE(x_->acceptsFocus(mirror()));
+  EXPECT_FALSE(x_->acceptsFocus(button()));
   EXPECT_TRUE(editorReceivesKey("a", "0x61"));
 
   click({m.x + 100, m.y + 300});
@@ -38,6 +41,28 @@ TEST_F(MirrorTest, ButtonTogglesTheMirrorAndTheEditorKeepsTheFocus) {
   EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
   EXPECT_TRUE(editorReceivesKey("c", "0x63"));
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
+}
+
+// A mirror that another window covers entirely, the editor still in front, is brought forward by
+// the button rather than hidden; once in sight, the next click hides it.
+TEST_F(MirrorTest, ButtonRaisesACoveredMirrorInsteadOfHidingIt) {
+  startOrlet();
+  const auto m = showMirror();
+  xdotool("windowmove " + std::to_string(otherWindow_) + " " + std::to_string(m.x - 20) + " 0" +
+          " windowsize " + std::to_string(otherWindow_) + " " + std::to_string(m.width + 40) + " " +
+          std::to_string(m.height + 40));
+  raise(otherWindow_);
+  ASSERT_TRUE(eventually([&] {
+    const auto o = rectOf(otherWindow_);
+    return levelOf(otherWindow_) > levelOf(mirror()) && o.x <= m.x && o.width >= m.width + 20;
+  }));
+  ASSERT_EQ(x_->activeWindow(), editorWindow_);
+
+  click(centreOf(rectOf(button())));
+  EXPECT_TRUE(eventually([&] { return levelOf(mirror()) > levelOf(otherWindow_); }));
+  EXPECT_TRUE(isShown(mirror()));
+  click(centreOf(rectOf(button())));
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
 }
 
 // Pinned, the mirror stays directly above the editor's main window, the palette between them

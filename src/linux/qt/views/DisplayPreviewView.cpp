@@ -38,6 +38,9 @@ DisplayPreviewView::DisplayPreviewView(const MirrorViewPorts& ports, Display dis
   }
   subscriptions_.push_back(model_.cm().currentFrame.observe(
       [this](const FrameRef& frame) { frameView_->setFrame(frame); }));
+  subscriptions_.push_back(model_.cm().streamLost.observe([this](bool lost) {
+    frameView_->setNotice(lost ? QStringLiteral("Écran déconnecté") : QString());
+  }));
 }
 
 DisplayPreviewView::~DisplayPreviewView() {

@@ -6,6 +6,7 @@
 
 #include "linux/qt/views/BusyIndicator.h"
 #include "linux/qt/views/SoftShadow.h"
+#include "linux/qt/views/ViewStyle.h"
 #include "views/MirrorGeometry.h"
 
 namespace orlet::linux_qt {
@@ -13,6 +14,8 @@ namespace {
 
 // The platform's default shadow colour: black at a third of full opacity.
 const QColor kShadowColor(0, 0, 0, 85);
+// Over a picture that is no longer live: dark enough to read white text on any picture.
+const QColor kVeilColor(0, 0, 0, 150);
 
 // The frame's own pixels seen as an image: no copy. Valid while `frame` lives.
 QImage imageOver(const Frame& frame) {
@@ -36,6 +39,12 @@ void FrameView::setFrame(FrameRef frame) {
   const bool had = frame_ != nullptr;
   frame_ = std::move(frame);
   if (had != (frame_ != nullptr)) loading_->setVisible(frame_ == nullptr);
+  update();
+}
+
+void FrameView::setNotice(const QString& notice) {
+  if (notice == notice_) return;
+  notice_ = notice;
   update();
 }
 
@@ -90,6 +99,17 @@ void FrameView::paintEvent(QPaintEvent*) {
   }
   painter.setCompositionMode(QPainter::CompositionMode_Plus);
   painter.fillPath(shape, Qt::black);
+  if (!notice_.isEmpty()) {
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.fillPath(shape, kVeilColor);
+    paintNotice(painter, picture);
+  }
+}
+
+void FrameView::paintNotice(QPainter& painter, const QRectF& picture) {
+  painter.setFont(look_.cornerRadius > 0 ? style::captionFont() : style::headlineFont());
+  painter.setPen(Qt::white);
+  painter.drawText(picture, Qt::AlignCenter | Qt::TextWordWrap, notice_);
 }
 
 }  // namespace orlet::linux_qt

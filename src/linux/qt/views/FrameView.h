@@ -24,6 +24,10 @@ class FrameView final : public QWidget {
   FrameView(Size displaySize, Look look, QWidget* parent = nullptr);
 
   void setFrame(FrameRef frame);
+  // A short notice drawn over a dimmed picture (when the picture is no longer live); empty for
+  // none.
+  void setNotice(const QString& notice);
+  const QString& notice() const { return notice_; }
   const FrameRef& frame() const { return frame_; }
 
   // Where the picture lies in this widget: the display's aspect fitted into the space left
@@ -36,10 +40,12 @@ class FrameView final : public QWidget {
 
  private:
   void paintShadow(QPainter& painter, const QRectF& picture);
+  void paintNotice(QPainter& painter, const QRectF& picture);
 
   Size displaySize_;
   Look look_;
   FrameRef frame_;
+  QString notice_;
   BusyIndicator* loading_;
   QImage shadow_;  // for shadowSize_; rebuilt only when the picture changes size
   QSizeF shadowSize_;

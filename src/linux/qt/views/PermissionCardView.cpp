@@ -63,9 +63,12 @@ PermissionCardView::PermissionCardView(std::function<void()> openSettings, QWidg
   auto* headline =
       label(QStringLiteral("Autorisation d'enregistrement d'écran"), style::headlineFont(), this);
   status_ = label({}, style::subheadlineFont(), this);
-  auto* caption = label(QStringLiteral("Pour continuer, autorise ORLET dans Réglages → "
-                                       "Confidentialité et sécurité → Enregistrement d'écran."),
-                        style::captionFont(), this);
+  // The card shows where X11 cannot capture the screen, a Wayland session: the way out is an X11
+  // session, named as the usual login screens name it.
+  auto* caption =
+      label(QStringLiteral("Pour continuer, ouvre une session X11 : sur l'écran de connexion, "
+                           "choisis « Ubuntu sur Xorg » ou « GNOME sur Xorg »."),
+            style::captionFont(), this);
   caption->setWordWrap(true);
   caption->setContentsMargins(kCaptionPadding, 0, kCaptionPadding, 0);
   QPalette secondary = caption->palette();
