@@ -7,7 +7,8 @@
 // stdout, one line each, flushed at once:
 //   window <main window id> <palette id or 0x0>   once the windows are created
 //   click <button> <root x> <root y> <window id>
-//   key <keysym, hex>
+//   key <keysym, hex>       a key pressed
+//   release <keysym, hex>   a key released
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
@@ -78,6 +79,7 @@ xcb_window_t open(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_screen_t
   const Geometry g = parseGeometry(geometry);
   const xcb_window_t w = xcb_generate_id(c);
   const std::uint32_t values[] = {o.color, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_KEY_PRESS |
+                                               XCB_EVENT_MASK_KEY_RELEASE |
                                                XCB_EVENT_MASK_STRUCTURE_NOTIFY};
   xcb_create_window(c, XCB_COPY_FROM_PARENT, w, screen->root, static_cast<std::int16_t>(g.x),
                     static_cast<std::int16_t>(g.y), static_cast<std::uint16_t>(g.width),
@@ -100,9 +102,10 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
     if (type == XCB_BUTTON_PRESS) {
       const auto* e = reinterpret_cast<xcb_button_press_event_t*>(event);
       report("click %u %d %d 0x%x", e->detail, e->root_x, e->root_y, e->event);
-    } else if (type == XCB_KEY_PRESS) {
+    } else if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
-      report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
+      report(type == XCB_KEY_PRESS ? "key 0x%x" : "release 0x%x",
+             xcb_key_symbols_get_keysym(keys, e->detail, 0));
     }
     std::free(event);
   }

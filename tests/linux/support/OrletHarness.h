@@ -50,6 +50,15 @@ class OrletTest : public ::testing::Test {
   bool editorReceivesKey(const std::string& name, const std::string& keysym);
 
   std::optional<std::string> setting(const std::string& key) const;
+  // Writes settings before ORLET starts, as "key=value" lines of its configuration file.
+  void presetSettings(const std::string& lines);
+
+  // Opens "Paramètres" from the floating button's menu; the panel's window.
+  xcb_window_t openSettings();
+  // xdotool with these arguments, on the session.
+  void xdotool(const std::string& arguments);
+  // How many times the editor logged `line` ("key 0x6b", "release 0x6b").
+  int editorLogged(const std::string& line) const;
 
   std::unique_ptr<XSession> session_;
   std::unique_ptr<XProbe> x_;
@@ -61,7 +70,6 @@ class OrletTest : public ::testing::Test {
   std::unique_ptr<Process> startStandIn(const std::string& name,
                                         std::vector<std::string> arguments);
   xcb_window_t orletWindow(bool (*fits)(const WindowRect&));
-  void xdotool(const std::string& arguments);
   int orletRuns_ = 0;
 };
 
