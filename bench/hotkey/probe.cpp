@@ -3,8 +3,8 @@
 //
 //   orlet_hotkey_probe keys <count>              <count> presses and releases of X, then waits
 //                                                until the server has handled them all
-//   orlet_hotkey_probe toggle <count> <window>   Ctrl+K <count> times; for each, microseconds
-//                                                from the key-down to <window>'s map or unmap
+//   orlet_hotkey_probe toggle <count> <window>   Ctrl+K <count> times; for each, "map" or
+//                                                "unmap" and the microseconds from the key-down
 #include <poll.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
@@ -48,8 +48,9 @@ void typeKeys(Session& s, int count) {
   s.sync();
 }
 
-// Waits for the window's next map or unmap; false after a second without one.
-bool waitForMapChange(Session& s) {
+// Waits for the window's next map or unmap: XCB_MAP_NOTIFY or XCB_UNMAP_NOTIFY, 0 after a second
+// without one.
+int waitForMapChange(Session& s) {
   const auto deadline = Clock::now() + std::chrono::seconds(1);
   while (Clock::now() < deadline) {
     xcb_generic_event_t* event = xcb_poll_for_event(s.c);
@@ -60,9 +61,9 @@ bool waitForMapChange(Session& s) {
     }
     const auto type = event->response_type & 0x7f;
     std::free(event);
-    if (type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) return true;
+    if (type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) return type;
   }
-  return false;
+  return 0;
 }
 
 int toggle(Session& s, int count, xcb_window_t window) {
@@ -76,7 +77,7 @@ int toggle(Session& s, int count, xcb_window_t window) {
     const auto start = Clock::now();
     s.key(k, true);
     xcb_flush(s.c);
-    const bool changed = waitForMapChange(s);
+    const int changed = waitForMapChange(s);
     const auto elapsed =
         std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
     s.key(k, false);
@@ -86,7 +87,8 @@ int toggle(Session& s, int count, xcb_window_t window) {
       std::fprintf(stderr, "no map change after toggle %d\n", i);
       return 1;
     }
-    std::printf("%lld\n", static_cast<long long>(elapsed.count()));
+    std::printf("%s %lld\n", changed == XCB_MAP_NOTIFY ? "map" : "unmap",
+                static_cast<long long>(elapsed.count()));
     std::this_thread::sleep_for(std::chrono::milliseconds(60));  // let the window settle
   }
   return 0;

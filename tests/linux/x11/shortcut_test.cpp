@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 
 #include "OrletHarness.h"
 
@@ -96,6 +97,17 @@ TEST_F(ShortcutTest, AFourthKeyIsRefusedEscapeRestoresAndDeleteThenValidateSwitc
   EXPECT_TRUE(saved("", "0"));
   EXPECT_TRUE(eventually([&] { return !isShown(settings_); }));
   EXPECT_TRUE(editorGets("ctrl+shift+a", "0x61"));
+}
+
+// On a French layout A sits where Q was: the shortcut follows the letter, not the key.
+TEST_F(ShortcutTest, AnotherKeyboardLayoutMovesTheShortcutWithItsLetter) {
+  presetSettings("hotkeyChars=A\nhotkeyModifiers=4096\n");
+  startOrlet();
+  const auto command = "DISPLAY=" + session_->display() + " setxkbmap -layout fr";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_TRUE(editorGets("ctrl+q", "0x71"));  // on the key that was A
+  EXPECT_TRUE(toggles("ctrl+a"));
+  EXPECT_EQ(editorLogged("key 0x61"), 0);
 }
 
 TEST_F(ShortcutTest, AKeyAnotherProgramHoldsIsReportedOnceAndTheButtonStillWorks) {
