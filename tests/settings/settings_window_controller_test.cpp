@@ -5,6 +5,7 @@
 #include "settings/SettingsWindowController.h"
 #include "support/FakeKeyboard.h"
 #include "support/FakePlatform.h"
+#include "support/FakeSettingsPanel.h"
 
 namespace orlet {
 namespace {
