@@ -4,7 +4,8 @@
 //   orlet_hotkey_probe keys <count>              <count> presses and releases of X, then waits
 //                                                until the server has handled them all
 //   orlet_hotkey_probe toggle <count> <window>   Ctrl+K <count> times; for each, "map" or
-//                                                "unmap" and the microseconds from the key-down
+//                                                "unmap", the microseconds from the key-down to
+//                                                it, and to ORLET's first reaction
 #include <poll.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -48,9 +50,16 @@ void typeKeys(Session& s, int count) {
   s.sync();
 }
 
-// Waits for the window's next map or unmap: XCB_MAP_NOTIFY or XCB_UNMAP_NOTIFY, 0 after a second
-// without one.
-int waitForMapChange(Session& s) {
+struct MapChange {
+  int type = 0;  // XCB_MAP_NOTIFY or XCB_UNMAP_NOTIFY; 0 when none came within a second
+  Clock::time_point at;
+  // ORLET writes the window's EWMH state just before it maps it: the moment it reacted, before
+  // the window manager and the server have done their part.
+  std::optional<Clock::time_point> firstProperty;
+};
+
+MapChange waitForMapChange(Session& s) {
+  MapChange change;
   const auto deadline = Clock::now() + std::chrono::seconds(1);
   while (Clock::now() < deadline) {
     xcb_generic_event_t* event = xcb_poll_for_event(s.c);
@@ -61,34 +70,47 @@ int waitForMapChange(Session& s) {
     }
     const auto type = event->response_type & 0x7f;
     std::free(event);
-    if (type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) return type;
+    if (type == XCB_PROPERTY_NOTIFY && !change.firstProperty) change.firstProperty = Clock::now();
+    if (type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) {
+      change.type = type;
+      change.at = Clock::now();
+      return change;
+    }
   }
-  return 0;
+  return change;
+}
+
+void drain(Session& s) {
+  s.sync();
+  while (xcb_generic_event_t* event = xcb_poll_for_event(s.c)) std::free(event);
+}
+
+long long micros(Clock::duration d) {
+  return std::chrono::duration_cast<std::chrono::microseconds>(d).count();
 }
 
 int toggle(Session& s, int count, xcb_window_t window) {
-  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
   xcb_change_window_attributes(s.c, window, XCB_CW_EVENT_MASK, &mask);
-  s.sync();
   const auto control = s.code(0xffe3), k = s.code('k');
   for (int i = 0; i < count; ++i) {
     s.key(control, true);
-    s.sync();
+    drain(s);
     const auto start = Clock::now();
     s.key(k, true);
     xcb_flush(s.c);
-    const int changed = waitForMapChange(s);
-    const auto elapsed =
-        std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
+    const auto change = waitForMapChange(s);
     s.key(k, false);
     s.key(control, false);
     s.sync();
-    if (!changed) {
+    if (!change.type) {
       std::fprintf(stderr, "no map change after toggle %d\n", i);
       return 1;
     }
-    std::printf("%s %lld\n", changed == XCB_MAP_NOTIFY ? "map" : "unmap",
-                static_cast<long long>(elapsed.count()));
+    const auto reacted =
+        change.type == XCB_MAP_NOTIFY && change.firstProperty ? *change.firstProperty : change.at;
+    std::printf("%s %lld %lld\n", change.type == XCB_MAP_NOTIFY ? "map" : "unmap",
+                micros(change.at - start), micros(reacted - start));
     std::this_thread::sleep_for(std::chrono::milliseconds(60));  // let the window settle
   }
   return 0;
