@@ -86,8 +86,8 @@ bool X11KeyboardHook::grab(Swallowed& swallowed) {
   std::vector<xcb_void_cookie_t> cookies;
   for (int code = keyboard_->minKeycode(); code <= keyboard_->maxKeycode(); ++code) {
     const auto keycode = static_cast<xcb_keycode_t>(code);
-    if (!swallowed.names.contains(upperCased(keyboard_->characters(keycode)))) continue;
-    if (keyboard_->characters(keycode).empty()) continue;
+    const auto characters = keyboard_->characters(keycode);
+    if (characters.empty() || !swallowed.names.contains(upperCased(characters))) continue;
     swallowed.grabbed.push_back(keycode);
     for (const auto variant : lockVariants) {
       cookies.push_back(xcb_grab_key_checked(x_.get(), 0, x_.root(), swallowed.mask | variant,
