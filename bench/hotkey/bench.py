@@ -105,6 +105,15 @@ def main():
                [int(us) / 1e3 for _, us, _ in samples], " (goal p99 < 15)")
         report("Ctrl+K key-down -> ORLET acts (its map request, or the unmap)",
                [int(us) / 1e3 for _, _, us in samples])
+
+        orlet.terminate()
+        orlet.wait(5)
+        orlet = None
+        out = subprocess.run([args.probe, "baseline", str(args.toggles)], env=env,
+                             capture_output=True, text=True, check=True).stdout
+        samples = [line.split() for line in out.splitlines()]
+        report("for comparison, a plain window mapped by its own client",
+               [int(us) / 1e3 for k, us, _ in samples if k == "map"])
     finally:
         if orlet:
             orlet.terminate()

@@ -6,6 +6,7 @@
 //   orlet_hotkey_probe toggle <count> <window>   Ctrl+K <count> times; for each, "map" or
 //                                                "unmap", the microseconds from the key-down to
 //                                                it, and to ORLET's first reaction
+//   orlet_hotkey_probe baseline <count>          the same for a window the probe maps itself
 #include <poll.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
@@ -116,6 +117,32 @@ int toggle(Session& s, int count, xcb_window_t window) {
   return 0;
 }
 
+// The same measure for a plain window of the probe's own that it maps and unmaps itself: what
+// the window manager and the server take, with no shortcut involved.
+int baseline(Session& s, int count) {
+  const xcb_window_t window = xcb_generate_id(s.c);
+  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_create_window(s.c, XCB_COPY_FROM_PARENT, window, s.root, 100, 100, 900, 600, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
+  for (int i = 0; i < count; ++i) {
+    const bool show = i % 2 == 0;
+    drain(s);
+    const auto start = Clock::now();
+    if (show) {
+      xcb_map_window(s.c, window);
+    } else {
+      xcb_unmap_window(s.c, window);
+    }
+    xcb_flush(s.c);
+    const auto change = waitForMapChange(s);
+    if (!change.type) return 1;
+    std::printf("%s %lld %lld\n", show ? "map" : "unmap", micros(change.at - start),
+                micros(change.at - start));
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  }
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -127,6 +154,7 @@ int main(int argc, char** argv) {
     typeKeys(s, count);
     return 0;
   }
+  if (mode == "baseline") return baseline(s, count);
   if (mode == "toggle" && argc == 4) {
     return toggle(s, count, static_cast<xcb_window_t>(std::strtoul(argv[3], nullptr, 0)));
   }
