@@ -13,7 +13,7 @@ packages=(
   # cursor (XFIXES), synthetic input (XTEST, XInput2), round button (SHAPE), keyboard (xkbcommon)
   libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
   libxcb-xtest0-dev libxcb-xinput-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev
-  libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev
+  libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev libxcb-xkb-dev
   # tests
   libgtest-dev libgmock-dev
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,

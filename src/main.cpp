@@ -14,15 +14,20 @@
 #include "linux/qt/QtApplication.h"
 #include "linux/qt/QtPanelFactory.h"
 #include "linux/qt/QtScheduler.h"
+#include "linux/qt/QtSettingsPanel.h"
 #include "linux/qt/QtStatusBar.h"
 #include "linux/qt/XcbEventFilter.h"
 #include "linux/qt/views/MirrorContent.h"
 #include "linux/qt/views/MirrorInteraction.h"
 #include "linux/x11/DisplayProbe.h"
 #include "linux/x11/X11CursorSource.h"
+#include "linux/x11/X11KeyboardHook.h"
 #include "linux/x11/X11SyntheticInput.h"
 #include "linux/x11/X11WindowServer.h"
 #include "linux/x11/X11Workspace.h"
+#include "settings/HotkeyManager.h"
+#include "settings/SettingsWindowController.h"
+#include "settings/ShortcutRecorderManager.h"
 #include "window/WindowController.h"
 
 namespace {
@@ -32,6 +37,17 @@ using namespace orlet;
 // ICCCM 4.1.2.5 instance name of our windows, whatever the executable is called; the
 // workspace reports it as our identifier unless a desktop entry names us.
 constexpr char instanceName[] = "orlet";
+
+// A server without XInput 2 or XKB: no key of the session can be seen, so every shortcut is
+// refused the way a key held by another program is.
+class NoKeyboardHook final : public KeyboardHook {
+ public:
+  Subscription watch(Handler) override { return {}; }
+  std::optional<Subscription> swallow(const std::set<std::string>&, std::int64_t) override {
+    return std::nullopt;
+  }
+  Subscription takeKeyboard() override { return {}; }
+};
 
 int fail(const std::string& why) {
   std::cerr << "orlet: " << why << '\n';
@@ -61,9 +77,14 @@ struct Adapters {
   x11::X11SyntheticInput input{*x, std::cerr};
   x11::X11CursorSource cursor{*x, events, std::cerr};
   std::unique_ptr<linux_qt::MirrorContent> mirror;
+  std::unique_ptr<KeyboardHook> keyboard{x11::X11KeyboardHook::create(*x, events)};
+  linux_qt::QtSettingsPanelFactory settingsPanels{
+      *x, []() -> ShortcutRecorderManager& { return ShortcutRecorderManager::shared(); }};
 
   explicit Adapters(std::unique_ptr<x11::XConnection> connection)
-      : x(std::move(connection)), events(x->xinputOpcode()) {}
+      : x(std::move(connection)), events(x->xinputOpcode()) {
+    if (!keyboard) keyboard = std::make_unique<NoKeyboardHook>();
+  }
 };
 
 // The shared controllers are built on first use from the adapters, and go before them: they
@@ -74,8 +95,25 @@ struct Controllers {
       return std::make_unique<WindowController>(WindowController::Ports{
           a.panels, a.workspace, a.windowServer, a.scheduler, a.notifications, a.defaults});
     });
+    SharedInstance<HotkeyManager>::setFactory([&a] {
+      return std::make_unique<HotkeyManager>(
+          HotkeyManager::Ports{*a.keyboard, a.defaults, a.scheduler, a.notifications, std::cout});
+    });
+    SharedInstance<ShortcutRecorderManager>::setFactory([&a] {
+      return std::make_unique<ShortcutRecorderManager>(ShortcutRecorderManager::Ports{
+          *a.keyboard, a.defaults, a.scheduler, HotkeyManager::shared()});
+    });
+    SharedInstance<SettingsWindowController>::setFactory([&a] {
+      return std::make_unique<SettingsWindowController>(SettingsWindowController::Ports{
+          a.settingsPanels, a.scheduler, a.workspace, ShortcutRecorderManager::shared()});
+    });
   }
-  ~Controllers() { SharedInstance<WindowController>::reset(); }
+  ~Controllers() {
+    SharedInstance<SettingsWindowController>::reset();
+    SharedInstance<ShortcutRecorderManager>::reset();
+    SharedInstance<HotkeyManager>::reset();
+    SharedInstance<WindowController>::reset();
+  }
   Controllers(const Controllers&) = delete;
   Controllers& operator=(const Controllers&) = delete;
 };

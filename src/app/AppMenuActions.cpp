@@ -1,7 +1,7 @@
 #include "app/AppMenuActions.h"
 
-#include "app/SettingsWindowController.h"
 #include "app/UpdateManager.h"
+#include "settings/SettingsWindowController.h"
 
 namespace orlet {
 

@@ -4,8 +4,8 @@
 
 #include "app/AppMenuActions.h"
 #include "app/FloatingButtonPanel.h"
-#include "app/HotkeyManager.h"
 #include "app/StatusMenu.h"
+#include "settings/HotkeyManager.h"
 #include "window/CaptureOneFocus.h"
 #include "window/FrontApplication.h"
 #include "window/WindowController.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "app/HotkeyManager.h"
-#include "app/SettingsWindowController.h"
+#include "settings/HotkeyManager.h"
+#include "settings/SettingsWindowController.h"
 #include "support/FakePlatform.h"
 
 namespace orlet {

@@ -1,9 +1,9 @@
 #include "support/FakePlatform.h"
 
 #include "app/AppMenuActions.h"
-#include "app/HotkeyManager.h"
-#include "app/SettingsWindowController.h"
 #include "app/UpdateManager.h"
+#include "settings/HotkeyManager.h"
+#include "settings/SettingsWindowController.h"
 
 namespace orlet::test {
 

@@ -11,7 +11,8 @@
 //   window <main window id> <palette id or 0x0> <viewer id or 0x0>   once the windows exist
 //   click <button> <root x> <root y> <window id> <monotonic clock, microseconds>
 //   release <button> <root x> <root y> <window id> <monotonic clock, microseconds>
-//   key <keysym, hex>
+//   key <keysym, hex>       a key pressed
+//   keyup <keysym, hex>     a key released
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
@@ -100,7 +101,8 @@ xcb_window_t open(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, xcb_screen_t
   const xcb_window_t w = xcb_generate_id(c);
   const std::uint32_t values[] = {o.color,
                                   XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                                      XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                                      XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE |
+                                      XCB_EVENT_MASK_STRUCTURE_NOTIFY,
                                   cursor};
   xcb_create_window(c, XCB_COPY_FROM_PARENT, w, screen->root, static_cast<std::int16_t>(g.x),
                     static_cast<std::int16_t>(g.y), static_cast<std::uint16_t>(g.width),
@@ -134,9 +136,10 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
     } else if (type == XCB_BUTTON_RELEASE) {
       const auto* e = reinterpret_cast<xcb_button_release_event_t*>(event);
       report("release %u %d %d 0x%x %lld", e->detail, e->root_x, e->root_y, e->event, now());
-    } else if (type == XCB_KEY_PRESS) {
+    } else if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
-      report("key 0x%x", xcb_key_symbols_get_keysym(keys, e->detail, 0));
+      report(type == XCB_KEY_PRESS ? "key 0x%x" : "keyup 0x%x",
+             xcb_key_symbols_get_keysym(keys, e->detail, 0));
     }
     std::free(event);
   }

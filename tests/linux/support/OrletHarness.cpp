@@ -199,15 +199,6 @@ bool OrletTest::editorReceivesKey(const std::string& name, const std::string& ke
 }
 
 // Keys without a group sit in QSettings' [General] section.
-void OrletTest::presetSetting(const std::string& key, const std::string& value) {
-  const auto file = home_ / "config" / "orlet" / "orlet.ini";
-  fs::create_directories(file.parent_path());
-  const bool fresh = !fs::exists(file);
-  std::ofstream out(file, std::ios::app);
-  if (fresh) out << "[General]\n";
-  out << key << "=" << value << "\n";
-}
-
 std::optional<std::string> OrletTest::setting(const std::string& key) const {
   std::ifstream in(home_ / "config" / "orlet" / "orlet.ini");
   std::string line;
@@ -215,6 +206,36 @@ std::optional<std::string> OrletTest::setting(const std::string& key) const {
     if (line.rfind(key + "=", 0) == 0) return line.substr(key.size() + 1);
   }
   return std::nullopt;
+}
+
+}  // namespace orlet::x11test
+
+namespace orlet::x11test {
+
+void OrletTest::presetSettings(const std::string& lines) {
+  fs::create_directories(home_ / "config" / "orlet");
+  std::ofstream(home_ / "config" / "orlet" / "orlet.ini") << "[General]\n" << lines;
+}
+
+xcb_window_t OrletTest::openSettings() {
+  click(centreOf(rectOf(button())), 3);
+  EXPECT_TRUE(eventually([&] { return popup().has_value(); }));
+  if (!popup()) return XCB_NONE;
+  const auto menu = rectOf(*popup());
+  click({menu.x + menu.width / 2, menu.y + 12});  // "Paramètres…", the first entry
+  const auto fits = [](const WindowRect& r) { return r.width == 320 && r.height == 140; };
+  EXPECT_TRUE(eventually([&] { return isShown(orletWindow(fits)); }));
+  return orletWindow(fits);
+}
+
+int OrletTest::editorLogged(const std::string& line) const {
+  const auto log = editor_->output();
+  int count = 0;
+  for (auto at = log.find(line + "\n"); at != std::string::npos;
+       at = log.find(line + "\n", at + 1)) {
+    if (at == 0 || log[at - 1] == '\n') ++count;
+  }
+  return count;
 }
 
 }  // namespace orlet::x11test

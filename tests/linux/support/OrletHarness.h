@@ -66,10 +66,15 @@ class OrletTest : public ::testing::Test {
   bool editorReceivesKey(const std::string& name, const std::string& keysym);
 
   std::optional<std::string> setting(const std::string& key) const;
-  // Saves a setting before ORLET starts, as an earlier run would have.
-  void presetSetting(const std::string& key, const std::string& value);
-  // Runs xdotool with `arguments` on the session, in one go.
+  // Writes settings before ORLET starts, as "key=value" lines of its configuration file.
+  void presetSettings(const std::string& lines);
+
+  // Opens "Paramètres" from the floating button's menu; the panel's window.
+  xcb_window_t openSettings();
+  // xdotool with these arguments, on the session.
   void xdotool(const std::string& arguments);
+  // How many times the editor logged `line` ("key 0x6b", "release 0x6b").
+  int editorLogged(const std::string& line) const;
 
   std::unique_ptr<XSession> session_;
   std::unique_ptr<XProbe> x_;

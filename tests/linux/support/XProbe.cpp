@@ -1,5 +1,7 @@
 #include "XProbe.h"
 
+#include <xcb/xcb_keysyms.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -228,6 +230,22 @@ void XProbe::setOutputBytes(xcb_randr_output_t output, const std::string& name,
 // A round trip: every request sent before it has been handled when it returns.
 void XProbe::sync() {
   std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+}
+
+bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
+  auto* symbols = xcb_key_symbols_alloc(c_);
+  xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);
+  bool grabbed = codes && codes[0] != XCB_NO_SYMBOL;
+  for (auto* code = codes; grabbed && *code != XCB_NO_SYMBOL; ++code) {
+    auto* error =
+        xcb_request_check(c_, xcb_grab_key_checked(c_, 0, screen_->root, modifiers, *code,
+                                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    grabbed = error == nullptr;
+    std::free(error);
+  }
+  std::free(codes);
+  xcb_key_symbols_free(symbols);
+  return grabbed;
 }
 
 }  // namespace orlet::x11test

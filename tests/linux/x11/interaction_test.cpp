@@ -82,8 +82,7 @@ class InteractionTest : public OrletTest {
 // release on the editor's window under the matching point; drags and letterbox clicks send
 // nothing; the editor stays the active application.
 TEST_F(InteractionTest, ClicksOnThePictureLandOnTheDisplay) {
-  presetSetting("secondaryWindowPositionX", "3560");
-  presetSetting("secondaryWindowPositionY", "820");
+  presetSettings("secondaryWindowPositionX=3560\nsecondaryWindowPositionY=820\n");
   startOrlet();
   const WindowRect m = enlargeSecondDisplay();
   ASSERT_EQ(m.x, 3560);

@@ -1,0 +1,144 @@
+#include "linux/qt/QtSettingsPanel.h"
+
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace orlet::linux_qt {
+namespace {
+
+constexpr int panelWidth = 320;
+constexpr int panelHeight = 140;
+
+QFont recorderFont() {
+  QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  font.setPointSize(12);
+  font.setWeight(QFont::Medium);
+  return font;
+}
+
+}  // namespace
+
+QtSettingsPanel::QtSettingsPanel(const x11::XConnection& x, ShortcutRecorderManager& recorder,
+                                 std::function<void()> onClose)
+    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                           Qt::WindowCloseButtonHint | Qt::WindowDoesNotAcceptFocus),
+      recorder_(recorder),
+      onClose_(std::move(onClose)) {
+  setWindowTitle(QStringLiteral("Paramètres"));
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  setAttribute(Qt::WA_X11DoNotAcceptFocus);
+  setFixedSize(panelWidth, panelHeight);
+  build();
+  observeRecorder();
+  refresh();
+  winId();  // the X window now, so that its hints are set before it is mapped
+  x11_.emplace(x, static_cast<xcb_window_t>(winId()));
+  x11_->refuseFocus();
+  windowHandle()->installEventFilter(this);
+  centre();
+}
+
+void QtSettingsPanel::build() {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(20, 20, 20, 20);
+  column->setSpacing(12);
+  auto* row = new QHBoxLayout;
+  row->addWidget(new QLabel(QStringLiteral("Raccourci clavier")));
+  row->addStretch();
+  recorderButton_ = new QPushButton;
+  recorderButton_->setFont(recorderFont());
+  recorderButton_->setFixedSize(130, 26);
+  recorderButton_->setFocusPolicy(Qt::NoFocus);  // Space and Return are keys to record
+  connect(recorderButton_, &QPushButton::clicked, this, [this] {
+    if (*recorder_.isRecording) {
+      recorder_.stopRecording();
+    } else {
+      recorder_.startRecording();
+    }
+  });
+  row->addWidget(recorderButton_);
+  column->addLayout(row);
+  error_ = new QLabel;
+  error_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  error_->setStyleSheet(QStringLiteral("color: red; font-size: 10px;"));
+  column->addWidget(error_);
+  auto* bottom = new QHBoxLayout;
+  bottom->addStretch();
+  validate_ = new QPushButton(QStringLiteral("Valider"));
+  validate_->setDefault(true);
+  validate_->setFocusPolicy(Qt::NoFocus);
+  validate_->setStyleSheet(QStringLiteral(
+      "QPushButton { background: palette(highlight); color: palette(highlighted-text);"
+      " border-radius: 5px; padding: 4px 14px; }"
+      "QPushButton:disabled { background: palette(mid); color: palette(dark); }"));
+  connect(validate_, &QPushButton::clicked, this, [this] {
+    recorder_.saveToDefaults();
+    onClose_();
+  });
+  // Only while a window manager gives the panel the focus anyway; it never asks for it.
+  auto* returnKey = new QShortcut(QKeySequence(Qt::Key_Return), this);
+  connect(returnKey, &QShortcut::activated, validate_, &QPushButton::click);
+  bottom->addWidget(validate_);
+  column->addLayout(bottom);
+}
+
+// The recorder publishes before it stores: the new state is read one turn later.
+void QtSettingsPanel::observeRecorder() {
+  auto later = [this] {
+    QMetaObject::invokeMethod(
+        this, [this] { refresh(); }, Qt::QueuedConnection);
+  };
+  subscriptions_.push_back(recorder_.isRecording.observe([later](bool) { later(); }));
+  subscriptions_.push_back(recorder_.currentChars.observe([later](const auto&) { later(); }));
+  subscriptions_.push_back(recorder_.currentModifiers.observe([later](auto) { later(); }));
+  subscriptions_.push_back(recorder_.errorMessage.observe([later](const auto&) { later(); }));
+}
+
+void QtSettingsPanel::refresh() {
+  const bool recording = *recorder_.isRecording;
+  recorderButton_->setText(recording ? QStringLiteral("Appuyez...")
+                                     : QString::fromStdString(recorder_.displayText()));
+  error_->setText(QString::fromStdString(*recorder_.errorMessage));
+  error_->setVisible(!recorder_.errorMessage->empty());
+  validate_->setEnabled(!recording);
+}
+
+void QtSettingsPanel::centre() {
+  const auto* screen = QGuiApplication::primaryScreen();
+  if (!screen) return;
+  auto frame = geometry();
+  frame.moveCenter(screen->availableGeometry().center());
+  move(frame.topLeft());
+}
+
+void QtSettingsPanel::orderFrontRegardless() {
+  if (!QWidget::isVisible()) {
+    x11_->prepareForMap(true, true);
+    show();
+  }
+  x11_->raise();
+}
+
+void QtSettingsPanel::closeEvent(QCloseEvent* event) {
+  willClose_.call();
+  event->accept();
+}
+
+bool QtSettingsPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::MouseButtonRelease &&
+      static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+    leftUp_.call();
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace orlet::linux_qt
