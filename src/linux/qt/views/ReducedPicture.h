@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "capture/AreaReducer.h"
+#include "capture/PictureReducer.h"
 #include "platform/CaptureFrame.h"
 
 namespace orlet::linux_qt {
@@ -27,7 +27,7 @@ class ReducedPicture {
 
   FrameRef frame_;
   std::uint64_t sequence_ = 0;
-  std::optional<AreaReducer> reducer_;
+  std::optional<PictureReducer> reducer_;
   std::shared_ptr<Frame> reduced_;
   QImage image_;
   std::vector<PixelRect> pending_;  // source rectangles not reduced yet

@@ -1,4 +1,4 @@
-#include "capture/AreaReducer.h"
+#include "capture/PictureReducer.h"
 
 #include <gtest/gtest.h>
 
@@ -24,9 +24,9 @@ struct Sizes {
 const Sizes kSizes[] = {
     {2560, 1440, 900, 506}, {1920, 1080, 213, 120}, {37, 23, 11, 7}, {10, 10, 10, 10}};
 
-TEST(AreaReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage) {
+TEST(PictureReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage) {
   for (const Sizes& s : kSizes) {
-    AreaReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
+    PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
     auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
     auto out = Frame::allocate(s.width, s.height);
     const PixelRect all{0, 0, s.width, s.height};
@@ -51,10 +51,10 @@ TEST(AreaReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage) {
   }
 }
 
-TEST(AreaReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
+TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
   std::mt19937 random(11);
   for (const Sizes& s : {Sizes{640, 360, 225, 127}, Sizes{37, 23, 11, 7}, Sizes{10, 10, 10, 10}}) {
-    AreaReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
+    PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
     auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
     auto partial = Frame::allocate(s.width, s.height);
     auto whole = Frame::allocate(s.width, s.height);
