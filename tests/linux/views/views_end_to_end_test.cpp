@@ -111,7 +111,8 @@ TEST_F(ViewsEndToEnd, AnUnpluggedDisplayIsDimmedUntilItIsPluggedBack) {
   startOrlet();
   const WindowRect m = showMirror();
   ASSERT_TRUE(eventually([&] { return showsQuarters(m, thumbnail(m, 1)); }, 15s));
-  click({m.x + int(kThumbnails[1].midX()), m.y + int(kThumbnails[1].midY())});
+  const Rect card = thumbnail(m, 1);
+  click({m.x + int(card.midX()), m.y + int(card.midY())});
   ASSERT_TRUE(eventually([&] { return showsQuarters(m, enlarged(m)); }, 10s));
 
   const auto xrandr = [&](const std::string& arguments) {
@@ -129,7 +130,7 @@ TEST_F(ViewsEndToEnd, AnUnpluggedDisplayIsDimmedUntilItIsPluggedBack) {
       10s))
       << std::hex << shown(m, enlarged(m), {0.25, 0.25});
   // The caption: white text across the middle of the picture.
-  const auto middle = x_->pixels({m.x + 300, m.y + int(kEnlarged.midY()) - 10, 300, 20});
+  const auto middle = x_->pixels({m.x + 300, m.y + int(enlarged(m).midY()) - 10, 300, 20});
   EXPECT_TRUE(std::any_of(middle.begin(), middle.end(), [](auto p) { return near(p, 0xFFFFFF); }));
 
   // The server may turn down the first --auto when another client has just read its
