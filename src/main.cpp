@@ -16,6 +16,7 @@
 #include "linux/qt/QtScheduler.h"
 #include "linux/qt/QtSettingsPanel.h"
 #include "linux/qt/QtStatusBar.h"
+#include "linux/qt/StatsReport.h"
 #include "linux/qt/XcbEventFilter.h"
 #include "linux/qt/views/MirrorContent.h"
 #include "linux/qt/views/MirrorInteraction.h"
@@ -141,6 +142,9 @@ int run(QApplication& qt, int screen) {
   MainApp app({adapters.panels, adapters.statusBar, adapters.application, adapters.workspace,
                adapters.windowServer, adapters.scheduler, adapters.notifications,
                adapters.defaults});
+  // The diagnostic option: what the picture costs, reported once a second.
+  if (qt.arguments().contains(QStringLiteral("--stats")))
+    linux_qt::startStatsReport(&qt, std::cerr);
   try {
     app.start();
   } catch (const std::exception& error) {

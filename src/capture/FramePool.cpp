@@ -84,15 +84,43 @@ void FramePool::copyRect(const Frame& from, Frame& to, const PixelRect& rect) co
   }
 }
 
-void FramePool::commit(const std::shared_ptr<Frame>& frame, const std::vector<PixelRect>& changed) {
+bool FramePool::sameWithin(const Frame& a, const Frame& b,
+                           const std::vector<PixelRect>& rects) const {
+  // The fourth byte is padding: only the colours count.
+  constexpr std::uint32_t colour = 0x00FFFFFF;
+  for (const auto& rect : rects) {
+    const PixelRect r = intersection(rect, {0, 0, width_, height_});
+    for (int y = r.y; y < r.maxY(); ++y) {
+      const auto* pa = a.row(y) + std::size_t(r.x) * Frame::bytesPerPixel;
+      const auto* pb = b.row(y) + std::size_t(r.x) * Frame::bytesPerPixel;
+      std::uint32_t differs = 0;
+      for (int x = 0; x < r.width; ++x) {
+        std::uint32_t va, vb;
+        std::memcpy(&va, pa + std::size_t(x) * 4, 4);
+        std::memcpy(&vb, pb + std::size_t(x) * 4, 4);
+        differs |= (va ^ vb) & colour;
+      }
+      if (differs != 0) return false;
+    }
+  }
+  return true;
+}
+
+bool FramePool::commit(const std::shared_ptr<Frame>& frame, const std::vector<PixelRect>& changed) {
   for (std::size_t i = 0; i < slots_.size(); ++i) {
     if (slots_[i].frame != frame) continue;
+    // Updated in place, the frame has nothing left to compare with.
+    if (current_ != none && i != current_ && sameWithin(*frame, *slots_[current_].frame, changed)) {
+      slots_[i].version = version_;
+      return false;
+    }
     slots_[i].version = ++version_;
     current_ = i;
     history_.push_back({version_, changed});
     if (history_.size() > historyLength) history_.pop_front();
-    return;
+    return true;
   }
+  return false;
 }
 
 }  // namespace orlet

@@ -27,12 +27,17 @@ class FramePool {
   // the pool is full. While current() is null, everything is to be filled.
   std::shared_ptr<Frame> acquire(const std::vector<PixelRect>& changed);
 
-  // Makes `frame`, acquired and filled, the current picture.
-  void commit(const std::shared_ptr<Frame>& frame, const std::vector<PixelRect>& changed);
+  // Makes `frame`, acquired and filled, the current picture; false, leaving the current picture
+  // as it is, when `frame` equals it within `changed` (a redraw of the same pixels). The frame
+  // then stays up to date for the next acquire.
+  bool commit(const std::shared_ptr<Frame>& frame, const std::vector<PixelRect>& changed);
 
   // Gives back `frame`, acquired but not filled: its content is unknown from now on. If it was
   // the current picture (updated in place), there is no current picture any more.
   void discard(const std::shared_ptr<Frame>& frame);
+
+  // The number of the current picture, counting commits from 1.
+  std::uint64_t version() const { return version_; }
 
   // The current picture, or null before the first commit.
   std::shared_ptr<const Frame> current() const;
@@ -54,6 +59,7 @@ class FramePool {
   std::size_t freeSlot();
   void bringUpToDate(Slot& slot, const std::vector<PixelRect>& changed);
   void copyRect(const Frame& from, Frame& to, const PixelRect& rect) const;
+  bool sameWithin(const Frame& a, const Frame& b, const std::vector<PixelRect>& rects) const;
 
   int width_;
   int height_;

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <vector>
+
+#include "foundation/PixelRect.h"
 
 namespace orlet {
 
@@ -48,6 +51,15 @@ class Frame {
   std::uint8_t* mutablePixels() { return pixels_; }
   std::uint8_t* mutableRow(int y) { return pixels_ + stride_ * static_cast<std::size_t>(y); }
 
+  // Which picture of its stream this is (counting from 1; 0: unknown) and the rectangles in which
+  // it differs from picture `sequence() - 1`: a reader that showed that one redraws only those.
+  std::uint64_t sequence() const { return sequence_; }
+  const std::vector<PixelRect>& changed() const { return changed_; }
+  void setChanges(std::uint64_t sequence, std::vector<PixelRect> changed) {
+    sequence_ = sequence;
+    changed_ = std::move(changed);
+  }
+
   // The pixel at (x, y) as 0xXXRRGGBB.
   std::uint32_t pixel(int x, int y) const {
     std::uint32_t value;
@@ -61,6 +73,8 @@ class Frame {
   std::size_t stride_;
   std::shared_ptr<void> storage_;
   std::uint8_t* pixels_;
+  std::uint64_t sequence_ = 0;
+  std::vector<PixelRect> changed_;
 };
 
 using FrameRef = std::shared_ptr<const Frame>;

@@ -27,7 +27,8 @@ void paint(Frame& frame, Reference& reference, const PixelRect& rect, std::uint3
 bool equals(const Frame& frame, const Reference& reference) {
   for (int y = 0; y < H; ++y) {
     for (int x = 0; x < W; ++x) {
-      if (frame.pixel(x, y) != reference.pixels[y * W + x]) return false;
+      // The fourth byte is padding.
+      if ((frame.pixel(x, y) ^ reference.pixels[y * W + x]) & 0xFFFFFF) return false;
     }
   }
   return true;
@@ -134,6 +135,44 @@ TEST(FramePoolTest, AFullPoolOfHeldPicturesGivesNoBufferAndADiscardedOneIsRebuil
   auto inPlace = pool.acquire({{0, 0, 1, 1}});
   pool.discard(inPlace);
   EXPECT_EQ(pool.current(), nullptr);
+}
+
+TEST(FramePoolTest, ARedrawOfTheSamePixelsIsNoNewPictureAndLeavesTheBufferUsable) {
+  FramePool pool = makePool(3);
+  Reference reference;
+  const PixelRect all{0, 0, W, H};
+  auto first = pool.acquire({all});
+  paint(*first, reference, all, 0x101010);
+  ASSERT_TRUE(pool.commit(first, {all}));
+  first.reset();
+
+  struct Case {
+    const char* what;
+    std::uint32_t value;
+    bool isNew;
+  };
+  const PixelRect box{5, 6, 7, 8};
+  std::uint32_t corner = 0x20;
+  for (const Case& c : {Case{"same colour", 0x101010, false},
+                        Case{"same colour, other padding byte", 0xFF101010, false},
+                        Case{"one channel one step off", 0x101011, true}}) {
+    const std::shared_ptr<const Frame> shown = pool.current();  // held, as a view holds it
+    const std::uint64_t version = pool.version();
+    auto frame = pool.acquire({box});
+    Reference expected = reference;
+    paint(*frame, expected, box, c.value);
+    EXPECT_EQ(pool.commit(frame, {box}), c.isNew) << c.what;
+    EXPECT_EQ(pool.version(), version + (c.isNew ? 1 : 0)) << c.what;
+    EXPECT_EQ(pool.current() == shown, !c.isNew) << c.what;
+    frame.reset();
+    // Whatever was committed, the next picture built on it is complete.
+    auto next = pool.acquire({{0, 0, 1, 1}});
+    paint(*next, expected, {0, 0, 1, 1}, ++corner);
+    EXPECT_TRUE(pool.commit(next, {{0, 0, 1, 1}}));
+    next.reset();
+    EXPECT_TRUE(equals(*pool.current(), expected)) << c.what;
+    reference = expected;
+  }
 }
 
 TEST(PixelRectTest, DamageIsClippedToTheDisplayAndMadeRelativeToIt) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "capture/PixelRect.h"
+#include "foundation/RenderCounters.h"
 #include "linux/capture/Monitors.h"
 #include "linux/capture/PixelReader.h"
 #include "linux/capture/SharedMemory.h"
@@ -192,7 +193,13 @@ std::optional<CaptureError> Grabber::grab() {
       // for the first frame.
       if (!std::exchange(announced_, true)) events_.started(std::nullopt);
       if (events_.read) events_.read(changed);
+      RenderCounters::process().framesCaptured.fetch_add(1, std::memory_order_relaxed);
       events_.frame(std::move(frame));
+      return std::nullopt;
+    case PixelReader::Result::unchanged:  // a redraw of the same pixels: nothing to show
+      failedReads_ = 0;
+      advanceDeadline(now);
+      RenderCounters::process().framesUnchanged.fetch_add(1, std::memory_order_relaxed);
       return std::nullopt;
     case PixelReader::Result::busy:  // readers hold every buffer: try again next interval
       carried_ = std::move(reported);

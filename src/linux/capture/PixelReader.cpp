@@ -61,7 +61,8 @@ PixelReader::Result PixelReader::read(std::vector<PixelRect> changed, FrameRef& 
     pool_->discard(target);
     return Result::failed;
   }
-  pool_->commit(target, changed);
+  if (!pool_->commit(target, changed)) return Result::unchanged;
+  target->setChanges(pool_->version(), std::move(changed));
   frame = std::move(target);
   return Result::ok;
 }

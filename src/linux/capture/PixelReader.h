@@ -17,7 +17,7 @@ namespace orlet::linux_capture {
 // (the server removes a software cursor before reading). Used by one capture thread.
 class PixelReader {
  public:
-  enum class Result { ok, busy, failed };
+  enum class Result { ok, unchanged, busy, failed };
 
   PixelReader(const XcbConnection& connection, bool useSharedMemory);
   ~PixelReader();
@@ -28,7 +28,8 @@ class PixelReader {
   bool usesSharedMemory() const { return useShm_; }
 
   // The next picture: the previous one with `changed` (area coordinates) read anew. busy when
-  // every buffer is still held by readers (nothing was read); failed with `error` set.
+  // every buffer is still held by readers (nothing was read); unchanged when the pixels read equal
+  // the previous picture's (no new picture); failed with `error` set.
   Result read(std::vector<PixelRect> changed, FrameRef& frame, std::string& error);
 
  private:

@@ -15,6 +15,7 @@
 #include "XProbe.h"
 #include "capture/DisplayManager.h"
 #include "capture/VideoCaptureManager.h"
+#include "foundation/RenderCounters.h"
 #include "linux/capture/Grabber.h"
 #include "linux/capture/WorkerThreads.h"
 #include "linux/capture/X11CaptureService.h"
@@ -137,8 +138,16 @@ TEST_F(X11CaptureTest, AnUnchangedScreenYieldsNoNewFrames) {
   EXPECT_EQ(frames, 1);
 
   // It is asleep, not dead: a change still comes through.
-  painter.paint({1920 + 5, 5, 20, 20}, 0x123456);
+  const xcb_window_t window = painter.paint({1920 + 5, 5, 20, 20}, 0x123456);
   EXPECT_TRUE(scheduler.pumpUntil([&] { return frames == 2; }, patience));
+
+  // Drawing the same pixels again is read, and found to be no new picture.
+  auto& counters = RenderCounters::process();
+  const auto unchanged = counters.framesUnchanged.load();
+  painter.fill(window, {0, 0, 20, 20}, 0x123456);
+  EXPECT_TRUE(scheduler.pumpUntil([&] { return counters.framesUnchanged > unchanged; }, patience));
+  scheduler.pumpUntil([] { return false; }, Seconds{0.2});
+  EXPECT_EQ(frames, 2);
   capture.stopCapture();
 }
 

@@ -100,7 +100,7 @@ std::unique_ptr<Process> OrletTest::startStandIn(const std::string& name,
 }
 
 // A fresh configuration and data home; no D-Bus session, so the tray is trayer's XEmbed one.
-void OrletTest::startOrlet() {
+void OrletTest::startOrlet(const std::vector<std::string>& arguments) {
   const std::map<std::string, std::string> environment{
       {"DISPLAY", session_->display()},
       {"HOME", home_.string()},
@@ -111,7 +111,9 @@ void OrletTest::startOrlet() {
       {"WAYLAND_DISPLAY", ""},
   };
   const auto log = home_ / ("orlet-" + std::to_string(++orletRuns_) + ".log");
-  orlet_ = std::make_unique<Process>(std::vector<std::string>{ORLET_BINARY}, environment, log);
+  std::vector<std::string> argv{ORLET_BINARY};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  orlet_ = std::make_unique<Process>(argv, environment, log);
   ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
 }
 

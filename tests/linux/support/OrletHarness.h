@@ -43,8 +43,8 @@ class OrletTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Starts ORLET and waits for its floating button.
-  void startOrlet();
+  // Starts ORLET with `arguments` and waits for its floating button.
+  void startOrlet(const std::vector<std::string>& arguments = {});
   // Quits ORLET through "Quitter" in its status menu; its exit status.
   std::optional<int> quitThroughMenu();
 

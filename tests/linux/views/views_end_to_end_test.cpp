@@ -111,7 +111,8 @@ TEST_F(ViewsEndToEnd, AnUnpluggedDisplayIsDimmedUntilItIsPluggedBack) {
   startOrlet();
   const WindowRect m = showMirror();
   ASSERT_TRUE(eventually([&] { return showsQuarters(m, thumbnail(m, 1)); }, 15s));
-  click({m.x + int(thumbnail(m, 1).midX()), m.y + int(thumbnail(m, 1).midY())});
+  const Rect card = thumbnail(m, 1);
+  click({m.x + int(card.midX()), m.y + int(card.midY())});
   ASSERT_TRUE(eventually([&] { return showsQuarters(m, enlarged(m)); }, 10s));
 
   const auto xrandr = [&](const std::string& arguments) {

@@ -4,15 +4,16 @@
 #include <QWidget>
 
 #include "foundation/Geometry.h"
+#include "linux/qt/views/ReducedPicture.h"
 #include "platform/CaptureFrame.h"
 
 namespace orlet::linux_qt {
 
 class BusyIndicator;
 
-// Paints the latest frame of a display, aspect-fitted and centred, straight from the frame's
-// pixels: nothing is copied on the way and the scaling happens once, at the size drawn. Until a
-// frame arrives (and after the capture stopped) it shows a loading indicator instead.
+// Paints the latest frame of a display, aspect-fitted and centred, reduced to the size drawn
+// where it changed and repainted only there. Until a frame arrives (and after the capture
+// stopped) it shows a loading indicator instead.
 class FrameView final : public QWidget {
  public:
   struct Look {
@@ -39,6 +40,7 @@ class FrameView final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void paintPicture(const QRectF& picture);
   void paintShadow(QPainter& painter, const QRectF& picture);
   void paintNotice(QPainter& painter, const QRectF& picture);
 
@@ -47,6 +49,7 @@ class FrameView final : public QWidget {
   FrameRef frame_;
   QString notice_;
   BusyIndicator* loading_;
+  ReducedPicture reduced_;
   QImage shadow_;  // for shadowSize_; rebuilt only when the picture changes size
   QSizeF shadowSize_;
 };

@@ -1,0 +1,79 @@
+#include "capture/PictureReducer.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace orlet {
+namespace {
+
+void fill(Frame& frame, const PixelRect& rect, std::uint32_t (*colour)(int x, int y)) {
+  for (int y = rect.y; y < rect.maxY(); ++y) {
+    for (int x = rect.x; x < rect.maxX(); ++x) {
+      const std::uint32_t value = colour(x, y);
+      std::memcpy(frame.mutableRow(y) + x * 4, &value, 4);
+    }
+  }
+}
+
+struct Sizes {
+  int sourceWidth, sourceHeight, width, height;
+};
+
+// Mirror and card sizes of real displays, and ratios that are not whole.
+const Sizes kSizes[] = {
+    {2560, 1440, 900, 506}, {1920, 1080, 213, 120}, {37, 23, 11, 7}, {10, 10, 10, 10}};
+
+TEST(PictureReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage) {
+  for (const Sizes& s : kSizes) {
+    PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
+    auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
+    auto out = Frame::allocate(s.width, s.height);
+    const PixelRect all{0, 0, s.width, s.height};
+
+    fill(*source, {0, 0, s.sourceWidth, s.sourceHeight}, [](int, int) { return 0x00C08040u; });
+    reducer.reduce(*source, *out, all);
+    for (int y = 0; y < s.height; ++y) {
+      for (int x = 0; x < s.width; ++x) ASSERT_EQ(out->pixel(x, y), 0xFFC08040u);
+    }
+    if (s.width == s.sourceWidth) continue;
+
+    // One-pixel lines, white on black: sampling would show lines or gaps; the mean is grey.
+    fill(*source, {0, 0, s.sourceWidth, s.sourceHeight},
+         [](int x, int) { return x % 2 ? 0xFFFFFFu : 0u; });
+    reducer.reduce(*source, *out, all);
+    for (int x = 0; x < s.width; ++x) {
+      const int blue = int(out->pixel(x, s.height / 2) & 0xFF);
+      // A span of odd width holds one line more or less than half: at most 255 / width off.
+      const double slack = 255.0 * s.width / s.sourceWidth + 1;
+      ASSERT_NEAR(blue, 127.5, slack) << s.width << " column " << x;
+    }
+  }
+}
+
+TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
+  std::mt19937 random(11);
+  for (const Sizes& s : {Sizes{640, 360, 225, 127}, Sizes{37, 23, 11, 7}, Sizes{10, 10, 10, 10}}) {
+    PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
+    auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
+    auto partial = Frame::allocate(s.width, s.height);
+    auto whole = Frame::allocate(s.width, s.height);
+    const PixelRect all{0, 0, s.width, s.height};
+    reducer.reduce(*source, *partial, all);
+    for (int step = 0; step < 20; ++step) {
+      const int x = int(random() % s.sourceWidth), y = int(random() % s.sourceHeight);
+      const PixelRect change{x, y, 1 + int(random() % (s.sourceWidth - x)) / (1 + step % 4),
+                             1 + int(random() % (s.sourceHeight - y)) / (1 + step % 4)};
+      static std::uint32_t seed;
+      seed = random();
+      fill(*source, change, [](int px, int py) { return (seed ^ (px * 2654435761u + py)) >> 8; });
+      reducer.reduce(*source, *partial, reducer.affected(change));
+      reducer.reduce(*source, *whole, all);
+      ASSERT_EQ(std::memcmp(partial->pixels(), whole->pixels(), whole->byteCount()), 0)
+          << s.width << "x" << s.height << " step " << step;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orlet
