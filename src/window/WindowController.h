@@ -107,6 +107,7 @@ class WindowController {
   void beginWindowMove();
   void markWindowMoving();
   void followFrontApp(bool isCaptureOne, bool isOurAppFront);
+  bool isStillPinnedAndWanted() const;
   void placeAboveCaptureOne(Fallback fallback);
 
   Ports ports_;

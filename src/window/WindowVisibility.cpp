@@ -71,14 +71,22 @@ void WindowController::followFrontApp(bool isCaptureOne, bool isOurAppFront) {
   if (isOurAppFront) return;
   if (isCaptureOne) {
     window.setLevel(PanelLevel::floating);
-    ports_.scheduler.after(placementDelay,
-                           lifetime_.guard([this] { placeAboveCaptureOne(Fallback::front); }));
+    ports_.scheduler.after(placementDelay, lifetime_.guard([this] {
+      if (isStillPinnedAndWanted()) placeAboveCaptureOne(Fallback::front);
+    }));
   } else {
     ports_.scheduler.after(placementDelay, lifetime_.guard([this] {
+      if (!isStillPinnedAndWanted()) return;
       secondaryWindow_->setLevel(PanelLevel::normal);
       placeAboveCaptureOne(Fallback::back);
     }));
   }
+}
+
+// A placement is due 0.05 s after the front changed; a mirror unpinned or closed meanwhile was
+// ordered out, and ordering it above a window would bring it back unasked.
+bool WindowController::isStillPinnedAndWanted() const {
+  return isPinned_ && userWantsWindowVisible_;
 }
 
 void WindowController::placeAboveCaptureOne(Fallback fallback) {

@@ -115,6 +115,27 @@ TEST(MirrorVisibility, PinnedMirrorIsPlacedAboveTheEditorAfterTheFrontHasSettled
   EXPECT_NE(d.stacking().front(), d.mirror().windowNumber());
 }
 
+// The placement due after a front change must not bring back a mirror that was unpinned (and so
+// ordered out) or closed in the meantime.
+TEST(MirrorVisibility, APlacementStillPendingAfterUnpinningOrClosingLeavesTheMirrorOut) {
+  for (const bool closeInstead : {false, true}) {
+    Desk d;
+    d.controller->setPinned(true);
+    d.show();
+    d.frontChanges(d.editor);
+    d.platform.scheduler.advance(Seconds{0.02});
+    if (closeInstead) {
+      EXPECT_FALSE(d.controller->toggleWindow(nullptr));
+    } else {
+      d.controller->setPinned(false);
+    }
+    ASSERT_FALSE(d.mirror().isVisible());
+    d.platform.scheduler.advance(Seconds{1});
+    EXPECT_FALSE(d.mirror().isVisible()) << (closeInstead ? "closed" : "unpinned");
+    EXPECT_TRUE(d.controller->toggleWindow(nullptr)) << "the next toggle shows it again";
+  }
+}
+
 TEST(MirrorVisibility, APlacementStillPendingWhenTheControllerGoesAwayDoesNothing) {
   Desk d;
   d.controller->setPinned(true);
