@@ -15,21 +15,14 @@ import tempfile
 import threading
 import time
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from procstat import cpu_ns  # noqa: E402
+
 FPS = 30
 WARMUP = 1.0
 WINDOW = 3.5
 RESOLUTIONS = [(1920, 1080, "1920x1080"), (2560, 1440, "2560x1440_60"), (3840, 2160, "3840x2160_60")]
 MODES = ["full", "box", "typing", "static"]
-
-
-def cpu_ns(pid):
-    total = 0
-    for path in glob.glob(f"/proc/{pid}/task/*/schedstat"):
-        try:
-            total += int(open(path).read().split()[0])
-        except (OSError, ValueError, IndexError):
-            pass
-    return total
 
 
 def wakeups(pid):

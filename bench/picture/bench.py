@@ -15,13 +15,16 @@ Started by run.sh. In its own Xorg dummy session (openbox, tray, a stand-in "Cap
    mirror's picture size is measured over the same generator as the reference.
 """
 import argparse
-import glob
 import os
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from procstat import cpu_ns  # noqa: E402
 
 WINDOW = 5.0
 PANEL = (900, 600)
@@ -29,16 +32,6 @@ PICTURE = (0, 47, 900, 506)  # the enlarged mirror's picture in the panel, on wh
 CARD = (14, 19, 197, 111)  # the first card's picture; the next one is 225 further right
 TEXT = (1400, 820, 1000, 420)  # the text block of the pattern
 FFMPEG_FPS = 30
-
-
-def cpu_ns(pid):
-    total = 0
-    for path in glob.glob(f"/proc/{pid}/task/*/schedstat"):
-        try:
-            total += int(open(path).read().split()[0])
-        except (OSError, ValueError, IndexError):
-            pass
-    return total
 
 
 def vmhwm_mb(pid):

@@ -1,5 +1,7 @@
 #include "linux/qt/views/ReducedPicture.h"
 
+#include "capture/PixelRect.h"
+
 namespace orlet::linux_qt {
 namespace {
 
@@ -52,9 +54,13 @@ const QImage& ReducedPicture::image(QSize size) {
   if (stale_) {
     reducer_->reduce(*frame_, *reduced_, {0, 0, size.width(), size.height()});
   } else {
-    for (const auto& change : pending_) {
-      reducer_->reduce(*frame_, *reduced_, reducer_->affected(change));
-    }
+    // The filter's reach makes neighbouring changes overlap once widened: merged, no reduced
+    // pixel is computed twice.
+    std::vector<PixelRect> areas;
+    areas.reserve(pending_.size());
+    for (const auto& change : pending_) areas.push_back(reducer_->affected(change));
+    mergeOverlapping(areas);
+    for (const auto& area : areas) reducer_->reduce(*frame_, *reduced_, area);
   }
   stale_ = false;
   pending_.clear();
