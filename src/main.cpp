@@ -65,7 +65,7 @@ struct Adapters {
   MemoryDefaultsStore fallbackStore;
   UserDefaults defaults{settings.isUsable() ? static_cast<DefaultsStore&>(settings)
                                             : fallbackStore};
-  x11::X11WindowServer windowServer{*x};
+  x11::X11WindowServer windowServer{*x, events};
   x11::X11Workspace workspace{*x,
                               events,
                               scheduler,
@@ -75,7 +75,7 @@ struct Adapters {
   linux_qt::QtStatusBar statusBar;
   linux_qt::QtApplication application;
   linux_capture::X11CaptureService capture{scheduler};
-  x11::X11SyntheticInput input{*x, std::cerr};
+  x11::X11SyntheticInput input{*x, std::cerr, [this] { windowServer.forgetPointer(); }};
   x11::X11CursorSource cursor{*x, events, std::cerr};
   std::unique_ptr<linux_qt::MirrorContent> mirror;
   std::unique_ptr<KeyboardHook> keyboard{x11::X11KeyboardHook::create(*x, events)};

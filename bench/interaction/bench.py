@@ -5,10 +5,10 @@ crossing cost, and how fast a click on the miniature reaches the window under it
 Started by run.sh, on its own Xorg dummy session (1920x1080 primary, 2560x1440 right of it),
 with the stand-in editor "Capture One 23" and its viewer window on the second display.
 
-CPU: ORLET's and the X server's, from /proc/<pid>/stat, over a window, with the
-second display enlarged in the mirror and nothing changing on it (so the capture itself costs
-next to nothing): pointer off that display, pointer resting on it, pointer moving on it at
-60 moves a second.
+CPU: ORLET's and the X server's, from /proc/<pid>/stat, median of repeated windows: first with
+the mirror hidden (the baseline), then with the second display enlarged in the mirror and
+nothing changing on it (so the capture itself costs next to nothing); in each, the pointer
+resting and moving at 60 moves a second, off that display and on it.
 
 Click latency: the mirror placed on the second display itself (so the pointer over it never
 crosses), clicks on its picture by an XTEST clicker; from the moment the server has handled the
@@ -107,10 +107,15 @@ class Session:
             process.wait()
 
 
-def measure(pids, seconds):
-    before = [cpu_ns(p) for p in pids]
-    time.sleep(seconds)
-    return [100.0 * (cpu_ns(p) - b) / (seconds * 1e9) for p, b in zip(pids, before)]
+def measure(pids, seconds, repeats):
+    """The median over `repeats` windows of `seconds`, each process on its own: a single window
+    on a shared machine catches whatever else ran then."""
+    runs = []
+    for _ in range(repeats):
+        before = [cpu_ns(p) for p in pids]
+        time.sleep(seconds)
+        runs.append([100.0 * (cpu_ns(p) - b) / (seconds * 1e9) for p, b in zip(pids, before)])
+    return [sorted(column)[len(column) // 2] for column in zip(*runs)]
 
 
 def moving_pointer(display, seconds, centre):
@@ -126,26 +131,36 @@ def moving_pointer(display, seconds, centre):
     return subprocess.Popen(["xdotool", *args], env={**os.environ, "DISPLAY": display})
 
 
+def pointer_states(args, pids):
+    """ORLET's and the X server's CPU with the pointer resting and moving, off the mirrored
+    display and on it."""
+    rows = []
+    for name, spot in (("pointer resting off it", (1000, 900)),
+                       ("pointer resting on it", (3000, 1000))):
+        xdotool(args.display, "mousemove", *spot)
+        time.sleep(1)
+        rows.append((name, measure(pids, args.seconds, args.repeats)))
+    for name, centre in (("pointer moving off it", (1400, 840)),
+                         ("pointer moving on it", (3200, 720))):
+        mover = moving_pointer(args.display, args.seconds * args.repeats + 2, centre)
+        time.sleep(1)
+        rows.append((name, measure(pids, args.seconds, args.repeats)))
+        mover.wait()
+    return rows
+
+
 def cpu_figures(args):
+    """The same states twice: first with the mirror hidden (ORLET idle: the baseline), then with
+    the second display enlarged in it, nothing changing there, so that the difference is what
+    the enlarged mirror's overlays cost."""
     home = tempfile.mkdtemp(prefix="orlet-interaction-")
     session = Session(args, home)
     try:
-        session.enlarge_second_display()
         pids = [session.orlet.pid, xorg_pid(args.display)]
-        rows = []
-        xdotool(args.display, "mousemove", 1000, 900)
-        time.sleep(1)
-        rows.append(("pointer off the display", measure(pids, args.seconds)))
-        xdotool(args.display, "mousemove", 3000, 1000)
-        time.sleep(1)
-        rows.append(("pointer resting on it", measure(pids, args.seconds)))
-        for name, centre in (("pointer moving off it", (1400, 840)),
-                             ("pointer moving on it", (3200, 720))):
-            mover = moving_pointer(args.display, args.seconds + 2, centre)
-            time.sleep(1)
-            rows.append((name, measure(pids, args.seconds)))
-            mover.wait()
-        return rows
+        assert wait_for(lambda: session.panel(40, 40)), "no floating button"
+        hidden = pointer_states(args, pids)
+        session.enlarge_second_display()
+        return hidden, pointer_states(args, pids)
     finally:
         session.close()
 
@@ -184,19 +199,23 @@ def main():
         parser.add_argument(f"--{name}", required=True)
     parser.add_argument("--display", default=":62")
     parser.add_argument("--seconds", type=float, default=10.0)
+    parser.add_argument("--repeats", type=int, default=3)
     parser.add_argument("--clicks", type=int, default=200)
     args = parser.parse_args()
     subprocess.run([args.xsession, "start", args.display], check=True)
     try:
-        rows = cpu_figures(args)
+        hidden, enlarged = cpu_figures(args)
         latencies = click_latency(args)
     finally:
         subprocess.run([args.xsession, "stop", args.display])
-    print(f"Enlarged mirror of the 2560x1440 display, nothing changing on it; CPU in % of one "
-          f"core over {args.seconds:.0f} s:")
-    print(f"  {'state':28} {'ORLET':>7} {'Xorg':>7} {'sum':>7}")
-    for name, (orlet, xorg) in rows:
-        print(f"  {name:28} {orlet:7.2f} {xorg:7.2f} {orlet + xorg:7.2f}")
+    print(f"CPU in % of one core, median of {args.repeats} windows of {args.seconds:.0f} s; "
+          f"'added' is the enlarged mirror (2560x1440 display, nothing changing on it) minus the "
+          f"same state with the mirror hidden:")
+    print(f"  {'state':26} {'hidden ORLET+Xorg':>18} {'enlarged ORLET':>15} {'Xorg':>7} "
+          f"{'added':>7}")
+    for (name, (h_orlet, h_xorg)), (_, (orlet, xorg)) in zip(hidden, enlarged):
+        print(f"  {name:26} {h_orlet + h_xorg:18.2f} {orlet:15.2f} {xorg:7.2f} "
+              f"{orlet + xorg - h_orlet - h_xorg:7.2f}")
     if latencies:
         print(f"Click on the miniature -> release read by the window under it, {len(latencies)} "
               f"clicks: p50 {percentile(latencies, 50):.1f} ms, p99 {percentile(latencies, 99):.1f} ms, "

@@ -2,7 +2,7 @@
 # Interaction benchmark, one command: builds ORLET, the stand-in editor and the clicker
 # (RelWithDebInfo), starts its own Xorg dummy session on :62 and prints the overlays' CPU cost
 # and the click latency.
-#   bench/interaction/run.sh [--display :62] [--seconds 10] [--clicks 200]
+#   bench/interaction/run.sh [--display :62] [--seconds 10] [--repeats 3] [--clicks 200]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${ORLET_BENCH_BUILD:-$root/build-interaction-bench}

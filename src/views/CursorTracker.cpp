@@ -21,6 +21,10 @@ void CursorTracker::updateCursor() {
   CursorImageRef cursor = cursor_.currentCursor();
   if (!cursor) return;
   const Point position = pointer_.pointerLocation();
+  // A still pointer under an unchanged cursor would tell the mirror nothing new: no hop, no
+  // placement, no repaint.
+  if (cursor == sampled_.cursor && position == sampled_.position) return;
+  sampled_ = {cursor, position};
   scheduler_.async(lifetime_.guard([this, cursor = std::move(cursor), position] {
     const Point hot = cursor->hotSpot;
     cursorImage.set(cursor);

@@ -13,8 +13,9 @@
 namespace orlet {
 
 // Samples the system cursor (image and hot spot) and the pointer sixty times a second and
-// publishes them, so that the mirror can draw the cursor where the real pointer stands. The
-// position is global: which display it is on is for the mirror to decide. Main thread only.
+// publishes them when they change, so that the mirror can draw the cursor where the real pointer
+// stands. The position is global: which display it is on is for the mirror to decide. Main thread
+// only.
 class CursorTracker final : public PreviewCompanion {
  public:
   static constexpr Seconds sampleInterval{1.0 / 60};
@@ -41,6 +42,12 @@ class CursorTracker final : public PreviewCompanion {
   Scheduler& scheduler_;
   const CursorSource& cursor_;
   const WindowServer& pointer_;
+  struct Sample {
+    CursorImageRef cursor;
+    Point position;
+  };
+
+  Sample sampled_;  // the last sample handed on for publication
   ScopedWorkItem timer_;
   Lifetime lifetime_;
 };

@@ -17,10 +17,14 @@ void MouseTeleportManager::startMonitoring(std::uint32_t displayId) {
 void MouseTeleportManager::stopMonitoring() {
   timer_ = ScopedWorkItem();
   targetDisplayID_.reset();
+  announced_ = false;
   isMouseOnTargetDisplay.set(false);
 }
 
+// Sixty checks a second mostly find what the last one found: only a change is handed on.
 void MouseTeleportManager::publishOnTarget(bool onTarget) {
+  if (onTarget == announced_) return;
+  announced_ = onTarget;
   ports_.scheduler.async(
       lifetime_.guard([this, onTarget] { isMouseOnTargetDisplay.set(onTarget); }));
 }

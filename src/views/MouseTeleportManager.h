@@ -73,6 +73,7 @@ class MouseTeleportManager final : public PreviewCompanion {
   ScopedWorkItem timer_;
   Rect mirrorScreenRect_;
   std::optional<Seconds> lastTeleportTime_;
+  bool announced_ = false;  // the last value handed on for publication
   Lifetime lifetime_;
 };
 

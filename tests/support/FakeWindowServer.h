@@ -17,10 +17,14 @@ namespace orlet::test {
 class FakeWindowServer final : public WindowServer {
  public:
   std::optional<std::vector<WindowInfo>> onScreenWindows() const override;
-  Point pointerLocation() const override { return pointer_; }
+  Point pointerLocation() const override {
+    ++pointerQueries;
+    return pointer_;
+  }
   std::uint32_t pressedMouseButtons() const override { return buttons_; }
 
   void movePointer(Point location) { pointer_ = location; }
+  mutable int pointerQueries = 0;  // how often the pointer was sampled
   void setPressedButtons(std::uint32_t buttons) { buttons_ = buttons; }
   // Simulates a server that cannot hand out its window list.
   void setWindowListAvailable(bool available) { listAvailable_ = available; }

@@ -13,11 +13,11 @@ constexpr Seconds aboutASecond{1.0 + 0.5 / 60};
 
 class CursorTrackerTest : public ::testing::Test {
  protected:
-  int samplesOver(Seconds duration) {
-    int samples = 0;
-    auto counting = tracker.mouseScreenPosition.observe([&](const Point&) { ++samples; });
+  int publicationsOver(Seconds duration) {
+    int published = 0;
+    auto counting = tracker.mouseScreenPosition.observe([&](const Point&) { ++published; });
     scheduler.advance(duration);
-    return samples;
+    return published;
   }
 
   test::VirtualScheduler scheduler;
@@ -26,14 +26,16 @@ class CursorTrackerTest : public ::testing::Test {
   CursorTracker tracker{scheduler, cursor, server};
 };
 
-// Sixty samples a second, each publishing the cursor itself (not a copy of its pixels), its hot
-// spot and the pointer in global coordinates, a display left of the main one included.
-TEST_F(CursorTrackerTest, PublishesTheCursorAndThePointerSixtyTimesASecond) {
+// Sixty samples a second; what changed is published: the cursor itself (not a copy of its
+// pixels), its hot spot and the pointer in global coordinates, a display left of the main one
+// included. A still pointer under the same cursor publishes nothing more.
+TEST_F(CursorTrackerTest, SamplesSixtyTimesASecondAndPublishesEachChange) {
   cursor.cursor = test::FakeCursorSource::make(24, 32, {3, 5});
   server.movePointer({-500, 200});
   tracker.startTracking(7);
   tracker.startTracking(7);  // neither restarts nor doubles the sampling
-  EXPECT_EQ(samplesOver(aboutASecond), 60);
+  EXPECT_EQ(publicationsOver(aboutASecond), 1);
+  EXPECT_EQ(server.pointerQueries, 60);
   EXPECT_EQ(tracker.cursorImage.get(), cursor.cursor);
   EXPECT_EQ(tracker.hotSpot.get(), (Point{3, 5}));
   EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{-500, 200}));
@@ -47,10 +49,20 @@ TEST_F(CursorTrackerTest, PublishesTheCursorAndThePointerSixtyTimesASecond) {
   EXPECT_EQ(tracker.hotSpot.get(), (Point{16, 12}));
   EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{100, 0}));
 
+  int moved = 0;
+  auto counting = tracker.mouseScreenPosition.observe([&](const Point&) { ++moved; });
+  for (int x = 1; x <= 10; ++x) {
+    server.movePointer({100.0 + x, 0});
+    scheduler.advance(CursorTracker::sampleInterval);
+  }
+  EXPECT_EQ(moved, 10);
+
   tracker.stopTracking();
   server.movePointer({5, 5});
-  EXPECT_EQ(samplesOver(aboutASecond), 0);
-  EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{100, 0}));  // the last values stay
+  const int queries = server.pointerQueries;
+  EXPECT_EQ(publicationsOver(aboutASecond), 0);
+  EXPECT_EQ(server.pointerQueries, queries);
+  EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{110, 0}));  // the last values stay
   tracker.stopTracking();                                         // harmless
 }
 
@@ -58,7 +70,7 @@ TEST_F(CursorTrackerTest, PublishesTheCursorAndThePointerSixtyTimesASecond) {
 TEST_F(CursorTrackerTest, NothingIsPublishedWithoutACursor) {
   server.movePointer({300, 300});
   tracker.startTracking(1);
-  EXPECT_EQ(samplesOver(Seconds{0.5}), 0);
+  EXPECT_EQ(publicationsOver(Seconds{0.5}), 0);
   EXPECT_EQ(tracker.cursorImage.get(), nullptr);
   EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{0, 0}));
 }

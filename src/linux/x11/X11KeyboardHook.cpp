@@ -57,12 +57,8 @@ Subscription X11KeyboardHook::watch(Handler handler) {
 }
 
 void X11KeyboardHook::selectRawKeys(bool on) {
-  struct {
-    xcb_input_event_mask_t head;
-    std::uint32_t bits;
-  } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-         on ? XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE : 0u};
-  xcb_input_xi_select_events(x_.get(), x_.root(), 1, &mask.head);
+  x_.selectRootInput(
+      XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE, on);
   down_.reset();
   x_.flush();
 }

@@ -24,8 +24,9 @@ constexpr std::uint8_t kLeftButton = 1;
 
 }  // namespace
 
-X11SyntheticInput::X11SyntheticInput(const XConnection& x, std::ostream& diagnostics)
-    : x_(x), diagnostics_(diagnostics) {
+X11SyntheticInput::X11SyntheticInput(const XConnection& x, std::ostream& diagnostics,
+                                     std::function<void()> warped)
+    : x_(x), diagnostics_(diagnostics), warped_(std::move(warped)) {
   auto* c = x_.get();
   const auto* extension = xcb_get_extension_data(c, &xcb_test_id);
   if (extension && extension->present) {
@@ -66,6 +67,7 @@ void X11SyntheticInput::fakeButton(std::uint8_t type, Point at) {
 void X11SyntheticInput::warpPointer(Point at) {
   auto* c = x_.get();
   x_.check(xcb_warp_pointer_checked(c, XCB_NONE, x_.root(), 0, 0, 0, 0, pixel(at.x), pixel(at.y)));
+  if (warped_) warped_();
 }
 
 }  // namespace orlet::x11

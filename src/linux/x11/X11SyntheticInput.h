@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 
 #include "linux/x11/XConnection.h"
@@ -12,7 +13,9 @@ namespace orlet::x11 {
 // root. Without XTEST the clicks are dropped, said once on `diagnostics`; warps still work.
 class X11SyntheticInput final : public SyntheticInput {
  public:
-  X11SyntheticInput(const XConnection& x, std::ostream& diagnostics);
+  // `warped` runs after each warp, for those who keep a reading of the pointer.
+  X11SyntheticInput(const XConnection& x, std::ostream& diagnostics,
+                    std::function<void()> warped = {});
 
   void leftButtonDown(Point at) override;
   void leftButtonUp(Point at) override;
@@ -25,6 +28,7 @@ class X11SyntheticInput final : public SyntheticInput {
 
   const XConnection& x_;
   std::ostream& diagnostics_;
+  std::function<void()> warped_;
   bool hasXTest_ = false;
   bool reportedMissing_ = false;
 };

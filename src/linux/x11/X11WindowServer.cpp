@@ -3,19 +3,66 @@
 #include <cstdlib>
 #include <memory>
 
+#include <xcb/xinput.h>
+
 #include "linux/x11/ClientWindows.h"
 
 namespace orlet::x11 {
 
-// The mirror's pointer tracking and crossing both sample the pointer sixty times a second, on
-// timers that fire together: one round trip serves every question asked within a millisecond.
+namespace {
+
+using std::chrono::milliseconds;
+
+// The cursor tracking and the crossing sample on timers that fire together: one round trip
+// serves both even while the pointer moves.
+constexpr milliseconds kSameSample{4};
+constexpr milliseconds kLongestQuiet{250};
+
+constexpr std::uint32_t kPointerInput = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
+                                        XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                                        XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
+
+bool isPointerInput(const xcb_generic_event_t& event, std::uint8_t xinputOpcode) {
+  if ((event.response_type & 0x7f) != XCB_GE_GENERIC) return false;
+  const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+  if (generic.extension != xinputOpcode) return false;
+  return generic.event_type == XCB_INPUT_RAW_MOTION ||
+         generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS ||
+         generic.event_type == XCB_INPUT_RAW_BUTTON_RELEASE;
+}
+
+}  // namespace
+
+X11WindowServer::X11WindowServer(const XConnection& x, XEventSource& events)
+    : x_(x), xinputOpcode_(x.xinputOpcode()) {
+  if (xinputOpcode_ != 0) {
+    events_ = events.subscribe([this](const xcb_generic_event_t& e) { handle(e); });
+  }
+}
+
+// One event is all it takes to know the reading is stale: the selection is dropped at once, so
+// a fast mouse does not wake us for every report of its motion.
+void X11WindowServer::handle(const xcb_generic_event_t& event) {
+  if (!isPointerInput(event, xinputOpcode_) || !watching_) return;
+  watching_ = false;
+  watch(false);
+}
+
+void X11WindowServer::watch(bool on) const {
+  x_.selectRootInput(kPointerInput, on);
+}
+
 X11WindowServer::Pointer X11WindowServer::queryPointer() const {
   const auto now = std::chrono::steady_clock::now();
-  if (lastQuery_ && now - *lastQuery_ < std::chrono::milliseconds(1)) return last_;
+  const auto age = lastQuery_ ? now - *lastQuery_ : std::chrono::steady_clock::duration::max();
+  if (age < (watching_ ? milliseconds(kLongestQuiet) : kSameSample)) return last_;
+  // Selected before the query: input the server handles after the reading is seen.
+  if (xinputOpcode_ != 0) watch(true);
   auto* reply = xcb_query_pointer_reply(x_.get(), xcb_query_pointer(x_.get(), x_.root()), nullptr);
   if (!reply) return {};
   last_ = {{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)}, reply->mask};
   lastQuery_ = now;
+  watching_ = xinputOpcode_ != 0;
   std::free(reply);
   return last_;
 }

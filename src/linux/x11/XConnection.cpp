@@ -77,6 +77,17 @@ std::uint8_t XConnection::xinputOpcode() const {
   return extension && extension->present ? extension->major_opcode : 0;
 }
 
+void XConnection::selectRootInput(std::uint32_t bits, bool on) const {
+  const std::uint32_t wanted = on ? rootInput_ | bits : rootInput_ & ~bits;
+  if (wanted == rootInput_) return;
+  rootInput_ = wanted;
+  struct {
+    xcb_input_event_mask_t head;
+    std::uint32_t bits;
+  } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, wanted};
+  xcb_input_xi_select_events(connection_, root_, 1, &mask.head);
+}
+
 bool XConnection::hasWindowManager() const {
   auto& ewmh = ewmh_;
   xcb_window_t child = XCB_NONE;

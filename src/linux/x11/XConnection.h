@@ -47,6 +47,11 @@ class XConnection {
   // The XInput extension's major opcode, 0 when the server lacks it.
   std::uint8_t xinputOpcode() const;
 
+  // Turns XInput 2 events of all master devices on or off on the root window. The server keeps
+  // one mask per client, window and device, so every adapter selecting there goes through here
+  // with bits of its own, lest one's selection replace another's.
+  void selectRootInput(std::uint32_t bits, bool on) const;
+
  private:
   XConnection(xcb_connection_t* connection, int screen, bool owned);
   bool initialise();
@@ -58,6 +63,7 @@ class XConnection {
   mutable xcb_ewmh_connection_t ewmh_{};
   xcb_window_t root_ = XCB_NONE;
   mutable std::map<std::string, xcb_atom_t> atoms_;
+  mutable std::uint32_t rootInput_ = 0;
 };
 
 // Reads a 32-bit property (CARDINAL, WINDOW, ATOM) of `window`; empty when absent or the window
