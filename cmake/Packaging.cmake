@@ -1,6 +1,8 @@
 # Installation rules and the two packages: a Debian package, and a relocatable archive that
 # installs for one user under ~/.local (share/orlet/install-user.sh).
 include(GNUInstallDirs)
+# Installing (and so packaging) builds ORLET alone, not the tests and benchmarks.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY TRUE)
 
 set(ORLET_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 set(ORLET_GENERATED ${PROJECT_BINARY_DIR}/packaging)
@@ -36,9 +38,9 @@ set(CPACK_PACKAGE_VENDOR "ORLET")
 set(CPACK_PACKAGE_CONTACT "ORLET developers <orlet@orlet.fr>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "live, clickable miniature of a display beside Capture One")
 set(CPACK_PACKAGE_DESCRIPTION "ORLET keeps a live, clickable miniature of one display in a
-floating panel beside the photo editor Capture One: a click on the miniature becomes a real
-click on the display. It lives in the notification area of an X11 session and updates itself
-from signed packages.")
+floating panel beside the photo editor Capture One: a click on the miniature
+becomes a real click on the display. It lives in the notification area of an
+X11 session and updates itself from signed packages.")
 set(CPACK_PACKAGE_FILE_NAME "orlet-${PROJECT_VERSION}-Linux")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

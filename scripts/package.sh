@@ -20,7 +20,7 @@ cmake --build "$build" -j"$(nproc)" --target orlet orlet_docs
 deb=$(ls -t "$build"/orlet_*.deb | head -1)
 archive=$(ls -t "$build"/orlet-*-Linux.tar.gz | head -1)
 echo "== $deb"
-dpkg-deb --info "$deb" | sed -n '/Package:/,$p'
+dpkg-deb --field "$deb" Package Version Depends
 echo "== lintian"
 lintian --fail-on error,warning "$deb"
 tmp=$(mktemp -d)

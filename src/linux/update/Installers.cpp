@@ -45,7 +45,7 @@ void runProcess(QObject& context, const QString& program, const QStringList& arg
 // Starts `executable` on its own and ends this process once the event loop turns.
 void startAndQuit(const fs::path& executable) {
   if (!QProcess::startDetached(QString::fromStdString(executable.string()), {})) return;
-  QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+  QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
 }
 
 // Replaces `link` by a symbolic link to `target` in one step, as rename(2) does.
@@ -88,8 +88,11 @@ std::optional<std::string> UserArchiveInstaller::putInPlace(const std::string& v
   try {
     std::error_code ec;
     const fs::path old = fs::read_symlink(location_.current(), ec);
-    if (fs::canonical(location_.current(), ec) == fs::weakly_canonical(target))
-      return std::string("cette version est celle qui est installée");
+    // Installed earlier and not relaunched since: it only waits for the relaunch.
+    if (fs::canonical(location_.current(), ec) == fs::weakly_canonical(target)) {
+      fs::remove_all(staging);
+      return std::nullopt;
+    }
     fs::remove_all(target);
     fs::rename(staging, target);
     switchLink(location_.current(), fs::path("versions") / version);

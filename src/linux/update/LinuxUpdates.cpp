@@ -1,6 +1,7 @@
 #include "linux/update/LinuxUpdates.h"
 
 #include <QNetworkInformation>
+#include <QSslCertificate>
 #include <fstream>
 
 #include "linux/update/Installers.h"
@@ -30,6 +31,14 @@ std::optional<PathStatus> desktopAnswer() {
   return std::nullopt;
 }
 
+// A staging server's certificate authority, trusted beside the system's: the feed and archives
+// stay checked against the publisher's key whatever the connection.
+QList<QSslCertificate> extraAuthorities() {
+  const QByteArray path = qgetenv("ORLET_UPDATE_EXTRA_CA");
+  if (path.isEmpty()) return {};
+  return QSslCertificate::fromPath(QString::fromLocal8Bit(path));
+}
+
 }  // namespace
 
 std::string systemVersion() {
@@ -49,6 +58,7 @@ LinuxUpdates::LinuxUpdates(Scheduler& scheduler, const UserDefaults& defaults,
     : scheduler_(scheduler),
       defaults_(defaults),
       builtIn_(std::move(builtIn)),
+      http_(extraAuthorities()),
       installer_(makeInstaller(location)) {}
 
 LinuxUpdates::~LinuxUpdates() = default;

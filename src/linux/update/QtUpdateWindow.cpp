@@ -99,6 +99,8 @@ void QtUpdateWindow::show(const UpdateScreen& screen, std::function<void()> onPr
 }
 
 void QtUpdateWindow::closeEvent(QCloseEvent* event) {
+  // The application closing its windows as it quits is not the operator's choice.
+  if (!event->spontaneous()) return event->accept();
   event->ignore();
   if (secondary_->isVisible()) runChoice(onSecondary_);
 }
