@@ -69,13 +69,16 @@ def main():
         button = wait_until(lambda: run(env, "xdotool", "search", "--onlyvisible",
                                         "--classname", "orlet").split())
         assert button, "ORLET's button never appeared"
-        mapped = []
+        mapped, missed = [], 0
         for _ in range(args.checks):
             run(env, "xdotool", "mousemove", "20", "20", "click", "3")
             time.sleep(0.3)
             start = time.monotonic()
             run(env, "xdotool", "mousemove", "80", "55", "click", "1")
             wid = wait_until(lambda: update_window(env))
+            if not wid:
+                missed += 1
+                continue
             mapped.append(time.monotonic() - start)
             time.sleep(0.5)  # the feed's answer; "OK" or "Annuler" sit at the same place
             x, y, w, h = geometry(env, wid)
@@ -83,7 +86,8 @@ def main():
             wait_until(lambda: not update_window(env))
         print(f"update window mapped after the menu choice, {len(mapped)} checks: "
               f"median {statistics.median(mapped) * 1000:.0f} ms, "
-              f"max {max(mapped) * 1000:.0f} ms (includes xdotool's own ~5 ms per poll)")
+              f"max {max(mapped) * 1000:.0f} ms (includes xdotool's own ~5 ms per poll); "
+              f"{missed} menu choices missed")
     finally:
         if orlet:
             orlet.terminate()
