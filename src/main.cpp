@@ -55,18 +55,24 @@ struct Options {
 // The command line, read before anything needs a display: --help and --version answer and
 // exit, an unknown option is an error.
 Options parseOptions(int argc, char** argv) {
-  QCoreApplication cli(argc, argv);
   QCoreApplication::setApplicationVersion(QStringLiteral(ORLET_VERSION));
   QCommandLineParser parser;
   parser.setApplicationDescription(
       QStringLiteral("ORLET : miniature vivante et cliquable d'un écran, à côté de Capture One."));
-  parser.addHelpOption();
-  parser.addVersionOption();
+  const QCommandLineOption help = parser.addHelpOption();
+  const QCommandLineOption version = parser.addVersionOption();
   const QCommandLineOption stats(
       QStringLiteral("stats"),
       QStringLiteral("Écrit chaque seconde sur la sortie d'erreur ce que l'image a coûté."));
   parser.addOption(stats);
-  parser.process(cli);
+  QStringList arguments;
+  for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+  // The GUI application comes later and alone; a console one only answers --help, --version
+  // or a mistake, and exits.
+  if (!parser.parse(arguments) || parser.isSet(help) || parser.isSet(version)) {
+    QCoreApplication cli(argc, argv);
+    parser.process(cli);
+  }
   return {parser.isSet(stats)};
 }
 
