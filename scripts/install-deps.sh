@@ -14,8 +14,13 @@ packages=(
   libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
   libxcb-xtest0-dev libxcb-xinput-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev
   libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev libxcb-xkb-dev
-  # tests
-  libgtest-dev libgmock-dev
+  # updates: the feed's XML, the archives' Ed25519 signatures
+  libexpat1-dev libsodium-dev
+  # tests; the updater's tests serve HTTPS with a certificate authority of their own (python3,
+  # openssl); the fuzzers (clang)
+  libgtest-dev libgmock-dev python3 openssl clang
+  # packages: dependencies of the .deb (dpkg-shlibdeps), and their checks
+  dpkg-dev lintian desktop-file-utils appstream
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,
   # tools the integration tests drive it with, and fonts and icons for what is drawn
   xserver-xorg-core libgl1-mesa-dri xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer

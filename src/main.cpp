@@ -1,5 +1,7 @@
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QGuiApplication>
+#include <QTimer>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -7,6 +9,7 @@
 
 #include "app/MainApp.h"
 #include "app/SharedInstance.h"
+#include "app/UpdateManager.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 #include "linux/capture/X11CaptureService.h"
@@ -20,6 +23,8 @@
 #include "linux/qt/XcbEventFilter.h"
 #include "linux/qt/views/MirrorContent.h"
 #include "linux/qt/views/MirrorInteraction.h"
+#include "linux/update/InstallLocation.h"
+#include "linux/update/LinuxUpdates.h"
 #include "linux/x11/DisplayProbe.h"
 #include "linux/x11/X11CursorSource.h"
 #include "linux/x11/X11KeyboardHook.h"
@@ -29,6 +34,7 @@
 #include "settings/HotkeyManager.h"
 #include "settings/SettingsWindowController.h"
 #include "settings/ShortcutRecorderManager.h"
+#include "update/UpdaterSettings.h"
 #include "window/WindowController.h"
 
 namespace {
@@ -38,6 +44,42 @@ using namespace orlet;
 // ICCCM 4.1.2.5 instance name of our windows, whatever the executable is called; the
 // workspace reports it as our identifier unless a desktop entry names us.
 constexpr char instanceName[] = "orlet";
+
+// Once the new version has run this long after an update, the one it replaced goes.
+constexpr int confirmedAfterMs = 3000;
+
+struct Options {
+  bool stats = false;
+};
+
+// The command line, read before anything needs a display: --help and --version answer and
+// exit, an unknown option is an error.
+Options parseOptions(int argc, char** argv) {
+  QCoreApplication::setApplicationVersion(QStringLiteral(ORLET_VERSION));
+  QCommandLineParser parser;
+  parser.setApplicationDescription(
+      QStringLiteral("ORLET : miniature vivante et cliquable d'un écran, à côté de Capture One."));
+  const QCommandLineOption help = parser.addHelpOption();
+  const QCommandLineOption version = parser.addVersionOption();
+  const QCommandLineOption stats(
+      QStringLiteral("stats"),
+      QStringLiteral("Écrit chaque seconde sur la sortie d'erreur ce que l'image a coûté."));
+  parser.addOption(stats);
+  QStringList arguments;
+  for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+  // The GUI application comes later and alone; a console one only answers --help, --version
+  // or a mistake, and exits.
+  if (!parser.parse(arguments) || parser.isSet(help) || parser.isSet(version)) {
+    QCoreApplication cli(argc, argv);
+    parser.process(cli);
+  }
+  return {parser.isSet(stats)};
+}
+
+UpdaterSettings builtInUpdaterSettings() {
+  return {ORLET_UPDATE_FEED_URL, ORLET_UPDATE_PUBLIC_KEY, ORLET_VERSION,
+          linux_update::systemVersion()};
+}
 
 // A server without XInput 2 or XKB: no key of the session can be seen, so every shortcut is
 // refused the way a key held by another program is.
@@ -81,6 +123,7 @@ struct Adapters {
   std::unique_ptr<KeyboardHook> keyboard{x11::X11KeyboardHook::create(*x, events)};
   linux_qt::QtSettingsPanelFactory settingsPanels{
       *x, []() -> ShortcutRecorderManager& { return ShortcutRecorderManager::shared(); }};
+  linux_update::LinuxUpdates updates{scheduler, defaults, builtInUpdaterSettings()};
 
   explicit Adapters(std::unique_ptr<x11::XConnection> connection)
       : x(std::move(connection)), events(x->xinputOpcode()) {
@@ -108,8 +151,10 @@ struct Controllers {
       return std::make_unique<SettingsWindowController>(SettingsWindowController::Ports{
           a.settingsPanels, a.scheduler, a.workspace, ShortcutRecorderManager::shared()});
     });
+    SharedInstance<UpdateManager>::setFactory([&a] { return a.updates.makeManager(); });
   }
   ~Controllers() {
+    SharedInstance<UpdateManager>::reset();
     SharedInstance<SettingsWindowController>::reset();
     SharedInstance<ShortcutRecorderManager>::reset();
     SharedInstance<HotkeyManager>::reset();
@@ -119,7 +164,7 @@ struct Controllers {
   Controllers& operator=(const Controllers&) = delete;
 };
 
-int run(QApplication& qt, int screen) {
+int run(QApplication& qt, int screen, const Options& options) {
   auto* native = qt.nativeInterface<QNativeInterface::QX11Application>();
   auto x = native ? x11::XConnection::borrow(native->connection(), screen) : nullptr;
   if (!x) return fail("no X display (the X connection cannot be used)");
@@ -143,19 +188,22 @@ int run(QApplication& qt, int screen) {
                adapters.windowServer, adapters.scheduler, adapters.notifications,
                adapters.defaults});
   // The diagnostic option: what the picture costs, reported once a second.
-  if (qt.arguments().contains(QStringLiteral("--stats")))
-    linux_qt::startStatsReport(&qt, std::cerr);
+  if (options.stats) linux_qt::startStatsReport(&qt, std::cerr);
   try {
     app.start();
   } catch (const std::exception& error) {
     return fail(std::string("cannot start: ") + error.what());
   }
+  QTimer::singleShot(confirmedAfterMs, &qt, [] {
+    linux_update::pruneReplacedVersion(linux_update::locateThisInstall(), "/proc/self/exe");
+  });
   return qt.exec();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  const Options options = parseOptions(argc, argv);
   const auto probe = x11::probeDisplay();
   if (!probe.reachable) return fail("no X display (" + probe.problem + ")");
   // A Wayland session with XWayland: only the X11 backend can see other applications' windows.
@@ -168,5 +216,5 @@ int main(int argc, char** argv) {
     return fail("no X display (Qt runs on \"" + QGuiApplication::platformName().toStdString() +
                 "\", ORLET needs X11)");
   }
-  return run(qt, probe.screen);
+  return run(qt, probe.screen, options);
 }

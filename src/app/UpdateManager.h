@@ -1,22 +1,51 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include "app/SharedInstance.h"
+#include "foundation/Lifetime.h"
+#include "foundation/Scheduler.h"
+#include "platform/Alert.h"
+#include "platform/NetworkPathMonitor.h"
+#include "update/UpdaterController.h"
 
 namespace orlet {
 
-// Software updates. This base checks nothing; the real updater is installed as the shared
-// instance.
+// Serves "Mise à jour…": each check first asks a path monitor of its own whether the network
+// can be reached, then hands over to the updater, which is created only when a check first
+// finds the network; without one it asks the operator to connect.
 class UpdateManager {
  public:
-  UpdateManager() = default;
+  struct Ports {
+    Scheduler& scheduler;
+    AlertPresenter& alerts;
+    std::function<std::shared_ptr<NetworkPathMonitor>()> makeMonitor;
+    std::function<std::unique_ptr<UpdaterController>()> makeUpdaterController;
+  };
+
+  explicit UpdateManager(Ports ports);
   UpdateManager(const UpdateManager&) = delete;
   UpdateManager& operator=(const UpdateManager&) = delete;
-  virtual ~UpdateManager() = default;
 
   static UpdateManager& shared() { return SharedInstance<UpdateManager>::get(); }
 
-  // Checks that the network is reachable, then looks for a newer release.
-  virtual void checkForUpdates() {}
+  // Returns at once; the outcome (the updater's window or the alert) follows on the main
+  // thread once the check's monitor has reported.
+  void checkForUpdates();
+
+  bool hasUpdaterController() const { return updaterController_ != nullptr; }
+
+ private:
+  void onPath(PathStatus status);
+  void showNoInternetAlert();
+
+  Ports p_;
+  // Kept, as the framework's manager keeps one, though every check makes its own.
+  std::shared_ptr<NetworkPathMonitor> monitor_;
+  std::unique_ptr<UpdaterController> updaterController_;
+  // Reports come from another thread: the weak hold is checked again on the main thread.
+  std::shared_ptr<char> token_ = std::make_shared<char>();
 };
 
 }  // namespace orlet

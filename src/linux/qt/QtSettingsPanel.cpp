@@ -1,5 +1,6 @@
 #include "linux/qt/QtSettingsPanel.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -16,7 +17,9 @@ namespace orlet::linux_qt {
 namespace {
 
 constexpr int panelWidth = 320;
-constexpr int panelHeight = 140;
+// The shortcut's rows keep their places; the start-up option adds its row and a spacing below.
+constexpr int autostartRowHeight = 20;
+constexpr int panelHeight = 140 + 12 + autostartRowHeight;
 
 QFont recorderFont() {
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
@@ -28,10 +31,11 @@ QFont recorderFont() {
 }  // namespace
 
 QtSettingsPanel::QtSettingsPanel(const x11::XConnection& x, ShortcutRecorderManager& recorder,
-                                 std::function<void()> onClose)
+                                 XdgAutostart& autostart, std::function<void()> onClose)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                            Qt::WindowCloseButtonHint | Qt::WindowDoesNotAcceptFocus),
       recorder_(recorder),
+      autostart_(autostart),
       onClose_(std::move(onClose)) {
   setWindowTitle(QStringLiteral("Paramètres"));
   setAttribute(Qt::WA_ShowWithoutActivating);
@@ -89,6 +93,19 @@ void QtSettingsPanel::build() {
   connect(returnKey, &QShortcut::activated, validate_, &QPushButton::click);
   bottom->addWidget(validate_);
   column->addLayout(bottom);
+  addAutostart(*column);
+}
+
+void QtSettingsPanel::addAutostart(QLayout& column) {
+  autostartBox_ = new QCheckBox(QStringLiteral("Lancer ORLET à l'ouverture de session"));
+  autostartBox_->setFixedHeight(autostartRowHeight);
+  autostartBox_->setFocusPolicy(Qt::NoFocus);
+  autostartBox_->setChecked(autostart_.isEnabled());
+  connect(autostartBox_, &QCheckBox::toggled, this, [this](bool on) {
+    // What is on disk decides: a refused write leaves the box as the entry is.
+    if (!autostart_.setEnabled(on)) autostartBox_->setChecked(autostart_.isEnabled());
+  });
+  column.addWidget(autostartBox_);
 }
 
 // The recorder publishes before it stores: the new state is read one turn later.

@@ -19,6 +19,7 @@ const std::map<std::string, SymbolSource>& sources() {
       {"arrow.left", {"go-previous", ":/orlet/icons/arrow-left.svg"}},
       {"pin.fill", {"window-pin", ":/orlet/icons/pin.svg"}},
       {"pin.slash", {"window-unpin", ":/orlet/icons/pin-slash.svg"}},
+      {"wifi.slash", {"network-wireless-offline-symbolic", ":/orlet/icons/wifi-slash.svg"}},
   };
   return table;
 }

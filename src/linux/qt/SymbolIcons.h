@@ -6,7 +6,8 @@
 
 namespace orlet::linux_qt {
 
-// A symbol of the ports ("arrow.left", "pin.fill", "pin.slash") as a picture tinted in one
+// A symbol of the ports ("arrow.left", "pin.fill", "pin.slash",
+// "wifi.slash") as a picture tinted in one
 // colour, the way the platform draws template symbols: from the icon theme when it has the
 // matching freedesktop icon, else from the SVG bundled with the program. Null when the symbol
 // is unknown.

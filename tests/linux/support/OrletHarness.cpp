@@ -225,7 +225,7 @@ xcb_window_t OrletTest::openSettings() {
   if (!popup()) return XCB_NONE;
   const auto menu = rectOf(*popup());
   click({menu.x + menu.width / 2, menu.y + 12});  // "Paramètres…", the first entry
-  const auto fits = [](const WindowRect& r) { return r.width == 320 && r.height == 140; };
+  const auto fits = [](const WindowRect& r) { return r.width == 320 && r.height == 172; };
   EXPECT_TRUE(eventually([&] { return isShown(orletWindow(fits)); }));
   return orletWindow(fits);
 }

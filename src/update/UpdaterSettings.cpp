@@ -1,0 +1,11 @@
+#include "update/UpdaterSettings.h"
+
+namespace orlet {
+
+UpdaterSettings withOverrides(UpdaterSettings builtIn, const UserDefaults& defaults) {
+  if (auto url = defaults.string("SUFeedURL"); url && !url->empty()) builtIn.feedUrl = *url;
+  if (auto key = defaults.string("SUPublicEDKey"); key && !key->empty()) builtIn.publicKey = *key;
+  return builtIn;
+}
+
+}  // namespace orlet
