@@ -1,11 +1,14 @@
 // CPU time of reducing one picture, independent of what else the machine runs: a full change of
 // a display reduced to the enlarged mirror and to a card, as the capture thread does it.
 //
-//   orlet_reduce_cost [ROUNDS]   prints "SOURCE -> PICTURE: average X ms, reduce Y ms" per size
+//   orlet_reduce_cost [ROUNDS [SOURCE_W SOURCE_H W H]]
+//   prints "SOURCE -> PICTURE: average X ms, reduce Y ms" for the given size or a few usual ones
+//   (one size and one round under `valgrind --tool=callgrind` gives its instruction count).
 #include <time.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "capture/PictureReducer.h"
 
@@ -24,8 +27,13 @@ int main(int argc, char** argv) {
   struct Case {
     int sourceWidth, sourceHeight, width, height;
   };
-  for (const Case& k : {Case{2560, 1440, 900, 506}, Case{2560, 1440, 197, 111},
-                        Case{1920, 1080, 900, 506}, Case{3840, 2160, 900, 506}}) {
+  std::vector<Case> cases{{2560, 1440, 900, 506},
+                          {2560, 1440, 197, 111},
+                          {1920, 1080, 900, 506},
+                          {3840, 2160, 900, 506}};
+  if (argc > 5)
+    cases = {{std::atoi(argv[2]), std::atoi(argv[3]), std::atoi(argv[4]), std::atoi(argv[5])}};
+  for (const Case& k : cases) {
     orlet::PictureReducer reducer(k.sourceWidth, k.sourceHeight, k.width, k.height);
     auto source = orlet::Frame::allocate(k.sourceWidth, k.sourceHeight);
     for (std::size_t i = 0; i < source->byteCount(); ++i) {
