@@ -87,9 +87,14 @@ void FrameView::resizeEvent(QResizeEvent*) {
 }
 
 const QImage& FrameView::imageFor(const QRect& target) {
-  if (image_.size() == target.size()) return image_;
+  // Reduced frames are opaque and come at the picture's size. Anything else (the display's own
+  // pixels, whose padding byte the server leaves at zero, or a frame of a size the capture has
+  // not caught up with yet) is made opaque and scaled, once per frame.
+  const bool reduced = image_.width() < displaySize_.width || image_.height() < displaySize_.height;
+  if (reduced && image_.size() == target.size()) return image_;
   if (scaled_.size() != target.size()) {
-    scaled_ = image_.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    scaled_ = image_.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                  .scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   }
   return scaled_;
 }
