@@ -3,6 +3,9 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <cstdlib>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -203,6 +206,12 @@ int run(QApplication& qt, int screen, const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(__GLIBC__)
+  // Pictures are allocated and freed each time a view opens or closes; glibc would otherwise
+  // raise its mapping threshold after the first free and serve the next ones from a heap that it
+  // seldom gives back, so memory would creep up with every change of view.
+  mallopt(M_MMAP_THRESHOLD, 256 * 1024);
+#endif
   const Options options = parseOptions(argc, argv);
   const auto probe = x11::probeDisplay();
   if (!probe.reachable) return fail("no X display (" + probe.problem + ")");

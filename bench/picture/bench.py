@@ -7,12 +7,18 @@ Started by run.sh. In its own Xorg dummy session (openbox, tray, a stand-in "Cap
    frame) is set as the background of DUMMY1 (2560x1440). ORLET's enlarged mirror of it is read
    back from the screen and compared (ImageMagick PSNR, and SSIM where it has it) with a Lanczos
    reduction of the pattern to the same size; so is one frame of ffmpeg x11grab scaled to that
-   size with its default scaler. The whole picture and the text block alone.
+   size with its default scaler. The whole picture and the text block alone; SSIM from ffmpeg's
+   ssim filter.
 2. Cost: for the mirror enlarged on DUMMY1 and for the display list (both cards live), the
    generator draws on DUMMY1 in each mode while ORLET's CPU (all threads, /proc schedstat) and the
    X server's extra over a baseline with the panel hidden are measured; painted fps come from
    ORLET's own --stats counters; peak memory from VmHWM. ffmpeg x11grab at 30 fps scaled to the
    mirror's picture size is measured over the same generator as the reference.
+3. Latency: orlet_latency_probe fills a square on DUMMY1 with a new colour, waits for the server
+   to have drawn it, and reads the pixel where the enlarged mirror shows the square's centre every
+   0.5 ms until it shows the new colour: change on the display to painted pixels, as the X server
+   holds them (p50, p99 over 150 changes).
+4. The CPU time of one full reduction (orlet_reduce_cost), which the machine's load barely moves.
 """
 import argparse
 import os
@@ -185,6 +191,13 @@ def metric(kind, a, b, crop=None):
         return float("nan")
 
 
+def ssim(a, b):
+    out = subprocess.run(["ffmpeg", "-hide_banner", "-i", a, "-i", b, "-lavfi", "ssim", "-f",
+                          "null", "-"], capture_output=True, text=True).stderr
+    found = re.search(r"SSIM .*All:([\d.]+)", out)
+    return float(found.group(1)) if found else float("nan")
+
+
 def quality(session, pattern):
     show_pattern(session, pattern)
     session.show_list()
@@ -207,15 +220,28 @@ def quality(session, pattern):
     rows = []
     for name, image in (("ORLET mirror", mirror), ("ffmpeg x11grab + scale", ff)):
         rows.append((name, metric("PSNR", image, reference), metric("PSNR", image, reference, text),
-                     metric("SSIM", image, reference)))
+                     ssim(image, reference)))
     print(f"\nPicture quality against a Lanczos reduction of the pattern to {w}x{h}:")
     print("| picture | PSNR whole dB | PSNR text dB | SSIM whole |")
     print("|---|---|---|---|")
-    for name, whole, txt, ssim in rows:
-        print(f"| {name} | {whole:.1f} | {txt:.1f} | {ssim:.4f} |")
+    for name, whole, txt, ssim_whole in rows:
+        print(f"| {name} | {whole:.1f} | {txt:.1f} | {ssim_whole:.4f} |")
     session.back()
     session.toggle_panel()  # hidden again
     run("display", "-window", "root", "xc:black", env=session.env, check=False)
+
+
+def latency(session):
+    """Change on DUMMY1 to its pixels in the enlarged mirror, as the screen holds them."""
+    square, size = (1920 + 1130, 570), 300
+    x, y, w, h = PICTURE
+    sx, sy = w / 2560, h / 1440
+    mirror = (session.panel["X"] + x + int((square[0] - 1920 + size / 2) * sx),
+              session.panel["Y"] + y + int((square[1] + size / 2) * sy))
+    out = run(session.args.probe, session.display, str(square[0]), str(square[1]), str(size),
+              str(mirror[0]), str(mirror[1]), "150", env=session.env).stdout
+    found = re.search(r"p50 ([\d.-]+) p99 ([\d.-]+) lost (\d+)", out)
+    return tuple(float(v) for v in found.groups()) if found else (float("nan"),) * 3
 
 
 def measure(session, mode, reader=None):
@@ -253,6 +279,13 @@ def ffmpeg(session):
 
 def cost(session, modes):
     rows = []
+    session.show_list()
+    session.enlarge_second()
+    p50, p99, lost = latency(session)
+    print(f"\nChange on DUMMY1 to painted pixels in the enlarged mirror: p50 {p50:.1f} ms, "
+          f"p99 {p99:.1f} ms ({lost:.0f} of 150 changes not seen within 1 s)", flush=True)
+    session.back()
+    session.toggle_panel()
     for mode in modes:
         base = measure(session, mode)  # the panel hidden: ORLET captures nothing
         ref = measure(session, mode, ffmpeg(session))
@@ -286,6 +319,8 @@ def main():
     parser.add_argument("--standin", required=True)
     parser.add_argument("--generator", required=True)
     parser.add_argument("--xsession", required=True)
+    parser.add_argument("--probe", required=True)
+    parser.add_argument("--reduce-cost", required=True)
     parser.add_argument("--modes", default="full,box,typing,static")
     parser.add_argument("--skip-quality", action="store_true")
     args = parser.parse_args()
@@ -298,6 +333,8 @@ def main():
         cost(session, args.modes.split(","))
     finally:
         session.close()
+    print("\nCPU time of one full change reduced (capture thread's work, load-independent):")
+    print(run(args.reduce_cost, "20").stdout, end="")
 
 
 if __name__ == "__main__":

@@ -28,9 +28,31 @@ StreamConfiguration VideoCaptureManager::configurationFor(const Display& display
   return configuration;
 }
 
+StreamConfiguration VideoCaptureManager::configurationFor(const Display& display, std::int64_t fps,
+                                                          int width, int height) {
+  StreamConfiguration configuration = configurationFor(display, fps);
+  if (width > 0 && height > 0 && width <= display.width && height <= display.height) {
+    configuration.width = width;
+    configuration.height = height;
+  }
+  return configuration;
+}
+
+void VideoCaptureManager::setPictureSize(int width, int height) {
+  if (width == pictureWidth_ && height == pictureHeight_) return;
+  pictureWidth_ = width;
+  pictureHeight_ = height;
+  if (!stream_) return;
+  // A refusal leaves the pictures at their size: the view still draws them, scaled.
+  stream_->updateConfiguration(configurationFor(display_, fps_, width, height),
+                               [](std::optional<CaptureError>) {});
+}
+
 void VideoCaptureManager::startCapture(const Display& display, std::int64_t fps) {
   if (stream_) return;
-  const auto configuration = configurationFor(display, fps);
+  const auto configuration = configurationFor(display, fps, pictureWidth_, pictureHeight_);
+  display_ = display;
+  fps_ = fps;
   output_ = std::make_shared<StreamOutput>(
       lifetime_.guard([this](const SampleBuffer& sample) { convert(sample); }));
   stream_ = service_.makeStream(display, configuration);

@@ -34,10 +34,19 @@ class VideoCaptureManager {
   // so its next frame fills currentFrame again).
   void stopCapture();
 
+  // Asks for pictures of `width` × `height` pixels, the size they are shown at: the capture then
+  // reduces each change once, off the main thread, and the view draws the pictures as they come.
+  // Zero, or a size not smaller than the display: the display's own size. Applies to the stream
+  // held (without restarting it) and to the next ones.
+  void setPictureSize(int width, int height);
+
   // Whether a stream is held: from startCapture until stopCapture or the stream's own end.
   bool isCapturing() const { return stream_ != nullptr; }
 
   static StreamConfiguration configurationFor(const Display& display, std::int64_t fps);
+  // The same, delivering pictures of `width` × `height` when smaller than the display.
+  static StreamConfiguration configurationFor(const Display& display, std::int64_t fps, int width,
+                                              int height);
 
  private:
   void attachAndStart();
@@ -49,6 +58,10 @@ class VideoCaptureManager {
   CaptureService& service_;
   std::shared_ptr<CaptureStream> stream_;
   std::shared_ptr<StreamOutput> output_;
+  Display display_;  // the display of the stream held
+  std::int64_t fps_ = 30;
+  int pictureWidth_ = 0;
+  int pictureHeight_ = 0;
   Lifetime lifetime_;
 };
 

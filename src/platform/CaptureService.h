@@ -50,8 +50,10 @@ struct MediaTime {
 inline constexpr std::uint32_t pixelFormatBGRA = 0x42475241;  // 'BGRA'
 
 struct StreamConfiguration {
-  int width = 0;   // the display's width; X11 frames always come at the display's own size
-  int height = 0;  // the display's height
+  // The size of the pictures delivered: the display's own size, or smaller, in which case the
+  // display is reduced with a filter sized to the reduction (never enlarged).
+  int width = 0;
+  int height = 0;
   std::uint32_t pixelFormat = pixelFormatBGRA;
   // Frames come at most this often; not set: at most 60 a second.
   MediaTime minimumFrameInterval;
@@ -91,6 +93,11 @@ class CaptureStream {
   // Starts delivering samples; `completion` gets the error when the capture cannot start, and
   // runs before the first sample arrives.
   virtual void startCapture(CaptureCompletion completion) = 0;
+
+  // Applies `configuration` to the stream, running or not: a running capture delivers its next
+  // pictures at the new size. `completion` gets the error when it cannot.
+  virtual void updateConfiguration(const StreamConfiguration& configuration,
+                                   CaptureCompletion completion) = 0;
 
   // Calls `handler` when a running capture ends by itself (its display went away, the server
   // broke); never after a stopCapture.

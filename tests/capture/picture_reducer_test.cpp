@@ -21,18 +21,19 @@ struct Sizes {
 };
 
 // Mirror and card sizes of real displays, and ratios that are not whole.
-const Sizes kSizes[] = {
-    {2560, 1440, 900, 506}, {1920, 1080, 213, 120}, {37, 23, 11, 7}, {10, 10, 10, 10}};
+// Mirror and card sizes of real displays, ratios that are not whole, and sizes that end in a
+// partial block.
+const Sizes kSizes[] = {{2560, 1440, 900, 506}, {1920, 1080, 213, 120}, {3840, 2160, 197, 111},
+                        {37, 23, 11, 7},        {75, 47, 9, 5},         {10, 10, 10, 10}};
 
 TEST(PictureReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage) {
   for (const Sizes& s : kSizes) {
     PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
     auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
     auto out = Frame::allocate(s.width, s.height);
-    const PixelRect all{0, 0, s.width, s.height};
 
     fill(*source, {0, 0, s.sourceWidth, s.sourceHeight}, [](int, int) { return 0x00C08040u; });
-    reducer.reduce(*source, *out, all);
+    reduceWhole(reducer, *source, *out);
     for (int y = 0; y < s.height; ++y) {
       for (int x = 0; x < s.width; ++x) ASSERT_EQ(out->pixel(x, y), 0xFFC08040u);
     }
@@ -41,7 +42,7 @@ TEST(PictureReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage)
     // One-pixel lines, white on black: sampling would show lines or gaps; the mean is grey.
     fill(*source, {0, 0, s.sourceWidth, s.sourceHeight},
          [](int x, int) { return x % 2 ? 0xFFFFFFu : 0u; });
-    reducer.reduce(*source, *out, all);
+    reduceWhole(reducer, *source, *out);
     for (int x = 0; x < s.width; ++x) {
       const int blue = int(out->pixel(x, s.height / 2) & 0xFF);
       // A span of odd width holds one line more or less than half: at most 255 / width off.
@@ -53,13 +54,14 @@ TEST(PictureReducerTest, FlatAreasKeepTheirColourAndFineLinesBecomeTheirAverage)
 
 TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
   std::mt19937 random(11);
-  for (const Sizes& s : {Sizes{640, 360, 225, 127}, Sizes{37, 23, 11, 7}, Sizes{10, 10, 10, 10}}) {
+  for (const Sizes& s : {Sizes{640, 360, 225, 127}, Sizes{75, 47, 9, 5}, Sizes{37, 23, 11, 7},
+                         Sizes{10, 10, 10, 10}}) {
     PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
     auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
+    auto averaged = Frame::allocate(reducer.averagedWidth(), reducer.averagedHeight());
     auto partial = Frame::allocate(s.width, s.height);
     auto whole = Frame::allocate(s.width, s.height);
-    const PixelRect all{0, 0, s.width, s.height};
-    reducer.reduce(*source, *partial, all);
+    reduceWhole(reducer, *source, *partial);
     for (int step = 0; step < 20; ++step) {
       const int x = int(random() % s.sourceWidth), y = int(random() % s.sourceHeight);
       const PixelRect change{x, y, 1 + int(random() % (s.sourceWidth - x)) / (1 + step % 4),
@@ -67,8 +69,12 @@ TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
       static std::uint32_t seed;
       seed = random();
       fill(*source, change, [](int px, int py) { return (seed ^ (px * 2654435761u + py)) >> 8; });
-      reducer.reduce(*source, *partial, reducer.affected(change));
-      reducer.reduce(*source, *whole, all);
+      // Only the blocks the change touches are averaged again, from the source's pixels there.
+      const PixelRect blocks = reducer.wholeBlocks(change);
+      reducer.average(source->row(blocks.y) + std::size_t(blocks.x) * 4, source->stride(), blocks,
+                      *averaged);
+      reducer.reduce(*averaged, *partial, reducer.affected(reducer.averagedArea(change)));
+      reduceWhole(reducer, *source, *whole);
       ASSERT_EQ(std::memcmp(partial->pixels(), whole->pixels(), whole->byteCount()), 0)
           << s.width << "x" << s.height << " step " << step;
     }

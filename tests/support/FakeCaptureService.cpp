@@ -88,6 +88,12 @@ void FakeCaptureStream::stopCapture(CaptureCompletion completion) {
                             [completion = std::move(completion), error] { completion(error); });
 }
 
+void FakeCaptureStream::updateConfiguration(const StreamConfiguration& configuration,
+                                            CaptureCompletion completion) {
+  configuration_ = configuration;
+  service_.scheduler_.async([completion = std::move(completion)] { completion(std::nullopt); });
+}
+
 void FakeCaptureStream::endWithError(CaptureError error) {
   if (!running_) return;
   running_ = false;

@@ -41,6 +41,8 @@ class FakeCaptureStream final : public CaptureStream,
   void setDidStopWithError(std::function<void(CaptureError)> handler) override {
     didStopWithError_ = std::move(handler);
   }
+  void updateConfiguration(const StreamConfiguration& configuration,
+                           CaptureCompletion completion) override;
 
   // Ends a running capture as if its display went away.
   void endWithError(CaptureError error);

@@ -1,6 +1,7 @@
 #include "linux/capture/Grabber.h"
 
 #include <poll.h>
+#include <unistd.h>
 #include <xcb/damage.h>
 #include <xcb/randr.h>
 
@@ -50,6 +51,8 @@ class Grabber {
   bool hasWork() const { return dirty_ || !carried_.empty(); }
   bool sleepUntil(Clock::time_point deadline);
   bool waitForInput();
+  bool wake(pollfd* fds, std::size_t count, const timespec* timeout);
+  std::optional<std::string> resize();
 
   const GrabberSettings& settings_;
   const GrabberEvents& events_;
@@ -66,6 +69,7 @@ class Grabber {
   bool announced_ = false;  // the start was reported
   Clock::duration interval_;
   Clock::time_point nextDeadline_ = Clock::now();
+  std::uint64_t pictureSize_ = 0;  // the size the reader delivers (PictureSize::packed)
 };
 
 std::optional<std::string> Grabber::checkPixelFormat() const {
@@ -144,7 +148,11 @@ std::optional<std::string> Grabber::locate(bool initial) {
     if (display.displayID != settings_.displayID) continue;
     const PixelRect area{int(display.frame.x), int(display.frame.y), display.width, display.height};
     if (initial || area != reader_->area()) {
-      if (!reader_->configure(area, error)) return error;
+      const auto& size = settings_.pictureSize;
+      pictureSize_ = size ? size->packed() : 0;
+      if (!reader_->configure(area, size ? size->width() : 0, size ? size->height() : 0, error)) {
+        return error;
+      }
       carried_ = {area};  // read all of it
     }
     return std::nullopt;
@@ -217,29 +225,47 @@ std::optional<CaptureError> Grabber::grab() {
   return std::nullopt;
 }
 
-// Sleeps until `deadline` without reading the X connection; false when told to stop.
+// Sleeps until `deadline` without reading the X connection, or a resize; false when told to
+// stop.
 bool Grabber::sleepUntil(Clock::time_point deadline) {
-  xcb_flush(connection_->get());
-  pollfd stop{settings_.stopFd, POLLIN, 0};
   const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(
                       std::max(Clock::duration::zero(), deadline - Clock::now()))
                       .count();
   const timespec timeout{time_t(ns / 1000000000), long(ns % 1000000000)};
-  ppoll(&stop, 1, &timeout, nullptr);
-  return (stop.revents & POLLIN) == 0;
+  pollfd fds[2] = {{settings_.stopFd, POLLIN, 0}, {settings_.resizeFd, POLLIN, 0}};
+  return wake(fds, 2, &timeout);
 }
 
-// Sleeps until the X server sends something; false when told to stop.
+// Sleeps until the X server sends something, or a resize; false when told to stop.
 bool Grabber::waitForInput() {
+  pollfd fds[3] = {{settings_.stopFd, POLLIN, 0},
+                   {settings_.resizeFd, POLLIN, 0},
+                   {xcb_get_file_descriptor(connection_->get()), POLLIN, 0}};
+  return wake(fds, 3, nullptr);
+}
+
+// Polls `fds`: the stop signal first, the resize signal second (lowered here once seen).
+bool Grabber::wake(pollfd* fds, std::size_t count, const timespec* timeout) {
   xcb_flush(connection_->get());
-  pollfd fds[2] = {{xcb_get_file_descriptor(connection_->get()), POLLIN, 0},
-                   {settings_.stopFd, POLLIN, 0}};
-  ppoll(fds, 2, nullptr, nullptr);
-  return (fds[1].revents & POLLIN) == 0;
+  ppoll(fds, count, timeout, nullptr);
+  if (fds[1].revents & POLLIN) {
+    std::uint64_t raised;
+    [[maybe_unused]] const auto taken = read(settings_.resizeFd, &raised, sizeof raised);
+  }
+  return (fds[0].revents & POLLIN) == 0;
+}
+
+// Applies a new picture size: everything is read again at that size.
+std::optional<std::string> Grabber::resize() {
+  if (!settings_.pictureSize || settings_.pictureSize->packed() == pictureSize_) {
+    return std::nullopt;
+  }
+  return locate(true);
 }
 
 std::optional<CaptureError> Grabber::run() {
   while (true) {
+    if (auto failure = resize()) return CaptureError{*failure};
     if (Clock::now() < nextDeadline_) {  // too early for another frame
       if (!sleepUntil(nextDeadline_)) return std::nullopt;
       continue;

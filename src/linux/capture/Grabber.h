@@ -1,6 +1,9 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,11 +24,28 @@ struct GrabberEvents {
   std::function<void(std::optional<CaptureError>)> ended;  // once, last; nullopt: stopped
 };
 
+// The size pictures are wanted at, set on the main thread while the capture runs; zero: the
+// display's own size.
+class PictureSize {
+ public:
+  void set(int width, int height) {
+    packed_.store(std::uint64_t(std::uint32_t(width)) << 32 | std::uint32_t(height));
+  }
+  int width() const { return int(packed_.load() >> 32); }
+  int height() const { return int(packed_.load() & 0xFFFFFFFFu); }
+  std::uint64_t packed() const { return packed_.load(); }
+
+ private:
+  std::atomic<std::uint64_t> packed_{0};
+};
+
 struct GrabberSettings {
   std::string displayName;  // the X display; empty: $DISPLAY
   DisplayID displayID = 0;  // the RandR output of the monitor to capture
   Seconds minimumInterval{1.0 / 60};
-  int stopFd = -1;  // becomes readable when the capture must end
+  int stopFd = -1;                                 // becomes readable when the capture must end
+  std::shared_ptr<const PictureSize> pictureSize;  // null: the display's own size
+  int resizeFd = -1;  // becomes readable when `pictureSize` changed; cleared by the thread
 };
 
 // The body of a capture thread: captures the display until `stopFd` is readable, the display

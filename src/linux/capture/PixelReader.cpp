@@ -1,5 +1,6 @@
 #include "linux/capture/PixelReader.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace orlet::linux_capture {
@@ -21,15 +22,23 @@ PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory)
 
 PixelReader::~PixelReader() = default;
 
-bool PixelReader::configure(const PixelRect& area, std::string& error) {
+bool PixelReader::configure(const PixelRect& area, int width, int height, std::string& error) {
   area_ = area;
+  reducing_.reset();
   pool_.reset();
   frameMemory_.clear();
   scratch_.reset();
+  const bool reduced = width > 0 && height > 0 && width <= area.width && height <= area.height &&
+                       (width < area.width || height < area.height);
+  const std::size_t areaBytes = std::size_t(area.area()) * Frame::bytesPerPixel;
   if (useShm_) {
-    scratch_ =
-        SharedMemory::create(connection_, std::size_t(area.area()) * Frame::bytesPerPixel, error);
+    scratch_ = SharedMemory::create(
+        connection_, reduced ? std::min(areaBytes, ReducingReader::readBudget) : areaBytes, error);
     if (!scratch_) return false;
+  }
+  if (reduced) {
+    reducing_ = std::make_unique<ReducingReader>(connection_, scratch_.get(), area, width, height);
+    return true;
   }
   pool_ = std::make_unique<FramePool>(area.width, area.height, poolCapacity,
                                       [this](int w, int h) { return allocate(w, h); });
@@ -53,6 +62,7 @@ std::shared_ptr<Frame> PixelReader::allocate(int width, int height) {
 
 PixelReader::Result PixelReader::read(std::vector<PixelRect> changed, FrameRef& frame,
                                       std::string& error) {
+  if (reducing_) return reducing_->read(std::move(changed), frame, error);
   if (!pool_->current()) changed = {{0, 0, area_.width, area_.height}};
   std::shared_ptr<Frame> target = pool_->acquire(changed);
   if (!target) return Result::busy;

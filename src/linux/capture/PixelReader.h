@@ -7,6 +7,7 @@
 
 #include "capture/FramePool.h"
 #include "capture/PixelRect.h"
+#include "linux/capture/ReducingReader.h"
 #include "linux/capture/SharedMemory.h"
 #include "linux/capture/Xcb.h"
 
@@ -14,16 +15,18 @@ namespace orlet::linux_capture {
 
 // Reads an area of the root window into frames, only the parts that changed: with MIT-SHM when
 // the server offers it, else with plain GetImage. Plain root reads never contain the pointer
-// (the server removes a software cursor before reading). Used by one capture thread.
+// (the server removes a software cursor before reading). Pictures come at the area's own size,
+// or reduced to a smaller one (see ReducingReader). Used by one capture thread.
 class PixelReader {
  public:
-  enum class Result { ok, unchanged, busy, failed };
+  using Result = ReadResult;
 
   PixelReader(const XcbConnection& connection, bool useSharedMemory);
   ~PixelReader();
 
-  // Reads `area` (global coordinates) from now on; the next read reads all of it.
-  bool configure(const PixelRect& area, std::string& error);
+  // Reads `area` (global coordinates) from now on, in pictures of `width` × `height` (the
+  // area's own size when not smaller); the next read reads all of it.
+  bool configure(const PixelRect& area, int width, int height, std::string& error);
   const PixelRect& area() const { return area_; }
   bool usesSharedMemory() const { return useShm_; }
 
@@ -44,6 +47,7 @@ class PixelReader {
   bool useShm_;
   PixelRect area_;
   std::unique_ptr<FramePool> pool_;
+  std::unique_ptr<ReducingReader> reducing_;
   std::unique_ptr<SharedMemory> scratch_;
   std::map<const std::uint8_t*, std::unique_ptr<SharedMemory>> frameMemory_;
 };

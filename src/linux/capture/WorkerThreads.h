@@ -9,7 +9,8 @@
 
 namespace orlet::linux_capture {
 
-// An eventfd that wakes a capture thread's poll() when the capture must end.
+// An eventfd that wakes a capture thread's poll(): when the capture must end, or when something
+// it reads has changed.
 class StopSignal {
  public:
   StopSignal();

@@ -8,6 +8,9 @@ namespace orlet::linux_capture {
 
 struct X11CaptureStream::Run {
   std::shared_ptr<StopSignal> stop = std::make_shared<StopSignal>();
+  // The picture size, and the signal that wakes the thread to apply a new one.
+  std::shared_ptr<PictureSize> size = std::make_shared<PictureSize>();
+  std::shared_ptr<StopSignal> resized = std::make_shared<StopSignal>();
   // Latest frame on its way to the main thread: a slow main thread gets the newest picture,
   // not a queue of old ones.
   std::mutex mutex;
@@ -64,9 +67,26 @@ void X11CaptureStream::startCapture(CaptureCompletion completion) {
     settings.minimumInterval = configuration_.minimumFrameInterval.seconds();
   }
   settings.stopFd = run->stop->fd();
-  threads_->spawn(run->stop, [settings, events = eventsFor(&scheduler_, weak_from_this(), run)] {
+  run->size->set(configuration_.width, configuration_.height);
+  settings.pictureSize = run->size;
+  settings.resizeFd = run->resized->fd();
+  threads_->spawn(run->stop, [settings, resized = run->resized,
+                              events = eventsFor(&scheduler_, weak_from_this(), run)] {
     runGrabber(settings, events);
   });
+}
+
+void X11CaptureStream::updateConfiguration(const StreamConfiguration& configuration,
+                                           CaptureCompletion completion) {
+  if (configuration.pixelFormat != pixelFormatBGRA) {
+    return fail(std::move(completion), "only BGRA frames can be captured");
+  }
+  configuration_ = configuration;
+  if (run_) {
+    run_->size->set(configuration_.width, configuration_.height);
+    run_->resized->raise();
+  }
+  scheduler_.async([completion = std::move(completion)] { completion(std::nullopt); });
 }
 
 // The capture thread reaches the stream only through the scheduler, and only while it lives.

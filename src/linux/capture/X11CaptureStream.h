@@ -26,6 +26,8 @@ class X11CaptureStream final : public CaptureStream,
                                               StreamOutputType type) override;
   void startCapture(CaptureCompletion completion) override;
   void stopCapture(CaptureCompletion completion) override;
+  void updateConfiguration(const StreamConfiguration& configuration,
+                           CaptureCompletion completion) override;
   void setDidStopWithError(std::function<void(CaptureError)> handler) override {
     didStopWithError_ = std::move(handler);
   }

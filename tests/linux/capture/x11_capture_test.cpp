@@ -202,8 +202,10 @@ TEST_F(X11CaptureTest, AfterTheFirstPictureOnlyTheChangedRectanglesAreRead) {
     return reads;
   };
   linux_capture::StopSignal stop;
-  const linux_capture::GrabberSettings settings{displayName, secondary.displayID, Seconds{1.0 / 60},
-                                                stop.fd()};
+  linux_capture::GrabberSettings settings;
+  settings.displayName = displayName;
+  settings.displayID = secondary.displayID;
+  settings.stopFd = stop.fd();
   std::thread grabber([&] { linux_capture::runGrabber(settings, events); });
   ASSERT_TRUE(x11test::eventually([&] { return !readsSoFar().empty(); }));
   painter.paint({1920 + 300, 200, 40, 30}, 0x00FF00);

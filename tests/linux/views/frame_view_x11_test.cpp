@@ -92,9 +92,10 @@ TEST(DisplayPreviewView, OverlaysCoverTheWholeMirror) {
   EXPECT_EQ(overlay->geometry(), QRect(0, 0, 400, 300));
 }
 
-// On the real capture path the mirror paints the very frames the capture thread filled: the one
-// it holds is the one the capture published, and their pixels are the few buffers the capture
-// reuses, however many pictures go by. A copy anywhere on the way gives fresh pixels each time.
+// On the real capture path the mirror paints the very frames the capture thread filled (reduced
+// to the size they are shown at): the one it holds is the one the capture published, and their
+// pixels are the few buffers the capture reuses, however many pictures go by. A copy anywhere on
+// the way gives fresh pixels each time.
 TEST(DisplayPreviewView, PaintsTheCapturedFramesWithoutCopyingThem) {
   QtScheduler scheduler;
   NotificationCenter center;
@@ -122,13 +123,22 @@ TEST(DisplayPreviewView, PaintsTheCapturedFramesWithoutCopyingThem) {
     const std::uint32_t colour = 0x102030 * i;
     painter.fill(canvas, {0, 0, spot.width, spot.height}, colour);
     ASSERT_TRUE(test::processEventsUntil([&] {
+      // Frames come reduced to the picture's size: the middle of the spot, scaled.
       const FrameRef& shown = frameView->frame();
-      return shown && (shown->pixel(spot.x + 50, spot.y + 50) & 0xFFFFFF) == colour;
+      return shown && (shown->pixel((spot.x + 50) * shown->width() / main->width,
+                                    (spot.y + 50) * shown->height() / main->height) &
+                       0xFFFFFF) == colour;
     })) << i;
     EXPECT_EQ(frameView->frame(), mirror.model().cm().currentFrame.get());
     buffers.insert(frameView->frame()->pixels());
   }
   EXPECT_LE(buffers.size(), 3u);
+  // Reduced once, on the capture thread, to the size drawn: painting copies them one to one.
+  const QSize picture = frameView->pictureRect().toRect().size();
+  EXPECT_TRUE(test::processEventsUntil([&] {
+    const FrameRef& shown = frameView->frame();
+    return shown && QSize(shown->width(), shown->height()) == picture;
+  }));
   mirror.hide();
 }
 

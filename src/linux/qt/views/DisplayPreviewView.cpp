@@ -36,6 +36,8 @@ DisplayPreviewView::DisplayPreviewView(const MirrorViewPorts& ports, Display dis
   } else {
     buildCard();
   }
+  frameView_->setPictureSizeHandler(
+      [this](QSize size) { model_.cm().setPictureSize(size.width(), size.height()); });
   subscriptions_.push_back(model_.cm().currentFrame.observe(
       [this](const FrameRef& frame) { frameView_->setFrame(frame); }));
   subscriptions_.push_back(model_.cm().streamLost.observe([this](bool lost) {

@@ -39,17 +39,34 @@ FrameView::FrameView(Size displaySize, Look look, QWidget* parent)
 
 void FrameView::setFrame(FrameRef frame) {
   const bool had = frame_ != nullptr;
+  const FrameRef previous = std::move(frame_);
   frame_ = std::move(frame);
   if (had != (frame_ != nullptr)) loading_->setVisible(frame_ == nullptr);
+  scaled_ = QImage();
   if (!frame_) {
-    reduced_.clear();
+    image_ = QImage();
     return update();
   }
-  const QRect target = pixelRect(pictureRect());
-  const QRect changed = reduced_.take(frame_, target.size());
+  // Format_RGB32 is the frames' own layout: the image shares their pixels.
+  image_ = QImage(frame_->pixels(), frame_->width(), frame_->height(),
+                  static_cast<qsizetype>(frame_->stride()), QImage::Format_RGB32);
   if (!had) return update();  // the shadow too
+  const QRect target = pixelRect(pictureRect());
+  const bool follows = frame_->sequence() != 0 && frame_->sequence() == previous->sequence() + 1 &&
+                       frame_->width() == previous->width() &&
+                       frame_->height() == previous->height() && image_.size() == target.size();
+  QRect changed = QRect(QPoint(0, 0), target.size());
+  if (follows) {
+    changed = QRect();
+    for (const auto& r : frame_->changed()) changed |= QRect(r.x, r.y, r.width, r.height);
+  }
   // One pixel more on each side: the antialiased rounded edge blends with its neighbours.
   update(changed.translated(target.topLeft()).adjusted(-1, -1, 1, 1));
+}
+
+void FrameView::setPictureSizeHandler(std::function<void(QSize)> handler) {
+  pictureSizeHandler_ = std::move(handler);
+  if (pictureSizeHandler_) pictureSizeHandler_(pixelRect(pictureRect()).size());
 }
 
 void FrameView::setNotice(const QString& notice) {
@@ -66,6 +83,20 @@ QRectF FrameView::pictureRect() const {
 
 void FrameView::resizeEvent(QResizeEvent*) {
   loading_->setGeometry(contentsRect());
+  if (pictureSizeHandler_) pictureSizeHandler_(pixelRect(pictureRect()).size());
+}
+
+const QImage& FrameView::imageFor(const QRect& target) {
+  // Reduced frames are opaque and come at the picture's size. Anything else (the display's own
+  // pixels, whose padding byte the server leaves at zero, or a frame of a size the capture has
+  // not caught up with yet) is made opaque and scaled, once per frame.
+  const bool reduced = image_.width() < displaySize_.width || image_.height() < displaySize_.height;
+  if (reduced && image_.size() == target.size()) return image_;
+  if (scaled_.size() != target.size()) {
+    scaled_ = image_.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                  .scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  }
+  return scaled_;
 }
 
 void FrameView::paintShadow(QPainter& painter, const QRectF& picture) {
@@ -102,9 +133,9 @@ void FrameView::paintPicture(const QRectF& picture) {
   QPainterPath shape;
   shape.addRoundedRect(QRectF(target), look_.cornerRadius, look_.cornerRadius);
   // A textured fill gives rounded corners with smooth edges, where clipping would leave them
-  // jagged; for square corners the plain image path is the fastest. The reduced picture is
-  // opaque: copying it (blending only the antialiased edge by its coverage) is enough.
-  const QImage& image = reduced_.image(target.size());
+  // jagged; for square corners the plain image path is the fastest. The picture is opaque: copying
+  // it (blending only the antialiased edge by its coverage) is enough.
+  const QImage& image = imageFor(target);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   if (look_.cornerRadius > 0) {
     QBrush texture(image);

@@ -2,17 +2,19 @@
 
 #include <QImage>
 #include <QWidget>
+#include <functional>
 
 #include "foundation/Geometry.h"
-#include "linux/qt/views/ReducedPicture.h"
 #include "platform/CaptureFrame.h"
 
 namespace orlet::linux_qt {
 
 class BusyIndicator;
 
-// Paints the latest frame of a display, aspect-fitted and centred, reduced to the size drawn
-// where it changed and repainted only there. Until a frame arrives (and after the capture
+// Paints the latest frame of a display, aspect-fitted and centred, repainting only where it
+// changed. Frames are expected at the size the picture is drawn (the capture reduces them; see
+// setPictureSizeHandler) and are then copied one to one; frames of another size (the capture has
+// not caught up with a resize yet) are scaled. Until a frame arrives (and after the capture
 // stopped) it shows a loading indicator instead.
 class FrameView final : public QWidget {
  public:
@@ -35,6 +37,9 @@ class FrameView final : public QWidget {
   // inside the shadow margins.
   QRectF pictureRect() const;
 
+  // Called with the size, in pixels, frames are drawn without scaling: at each resize.
+  void setPictureSizeHandler(std::function<void(QSize)> handler);
+
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
@@ -43,13 +48,16 @@ class FrameView final : public QWidget {
   void paintPicture(const QRectF& picture);
   void paintShadow(QPainter& painter, const QRectF& picture);
   void paintNotice(QPainter& painter, const QRectF& picture);
+  const QImage& imageFor(const QRect& target);
 
   Size displaySize_;
   Look look_;
   FrameRef frame_;
   QString notice_;
   BusyIndicator* loading_;
-  ReducedPicture reduced_;
+  QImage image_;   // frame_'s pixels, shared
+  QImage scaled_;  // image_ scaled to the picture, when the frame is not of its size
+  std::function<void(QSize)> pictureSizeHandler_;
   QImage shadow_;  // for shadowSize_; rebuilt only when the picture changes size
   QSizeF shadowSize_;
 };

@@ -1,0 +1,59 @@
+// CPU time of reducing one picture, independent of what else the machine runs: a full change of
+// a display reduced to the enlarged mirror and to a card, as the capture thread does it.
+//
+//   orlet_reduce_cost [ROUNDS [SOURCE_W SOURCE_H W H]]
+//   prints "SOURCE -> PICTURE: average X ms, reduce Y ms" for the given size or a few usual ones
+//   (one size and one round under `valgrind --tool=callgrind` gives its instruction count).
+#include <time.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "capture/PictureReducer.h"
+
+namespace {
+
+double threadMs() {
+  timespec t;
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int rounds = argc > 1 ? std::atoi(argv[1]) : 20;
+  struct Case {
+    int sourceWidth, sourceHeight, width, height;
+  };
+  std::vector<Case> cases{{2560, 1440, 900, 506},
+                          {2560, 1440, 197, 111},
+                          {1920, 1080, 900, 506},
+                          {3840, 2160, 900, 506}};
+  if (argc > 5)
+    cases = {{std::atoi(argv[2]), std::atoi(argv[3]), std::atoi(argv[4]), std::atoi(argv[5])}};
+  for (const Case& k : cases) {
+    orlet::PictureReducer reducer(k.sourceWidth, k.sourceHeight, k.width, k.height);
+    auto source = orlet::Frame::allocate(k.sourceWidth, k.sourceHeight);
+    for (std::size_t i = 0; i < source->byteCount(); ++i) {
+      source->mutablePixels()[i] = std::uint8_t(i * 2654435761u >> 13);
+    }
+    auto averaged = orlet::Frame::allocate(reducer.averagedWidth(), reducer.averagedHeight());
+    auto out = orlet::Frame::allocate(k.width, k.height);
+    double averaging = 0, reducing = 0;
+    for (int r = 0; r < rounds; ++r) {
+      const double t0 = threadMs();
+      reducer.average(source->pixels(), source->stride(), {0, 0, k.sourceWidth, k.sourceHeight},
+                      *averaged);
+      const double t1 = threadMs();
+      reducer.reduce(*averaged, *out, {0, 0, k.width, k.height});
+      reducing += threadMs() - t1;
+      averaging += t1 - t0;
+    }
+    std::printf("%dx%d -> %dx%d (blocks of %d): average %.2f ms, reduce %.2f ms\n", k.sourceWidth,
+                k.sourceHeight, k.width, k.height, reducer.block(), averaging / rounds,
+                reducing / rounds);
+  }
+  return 0;
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "capture/FramePool.h"
+#include "capture/PictureReducer.h"
+#include "linux/capture/SharedMemory.h"
+#include "linux/capture/Xcb.h"
+
+namespace orlet::linux_capture {
+
+enum class ReadResult { ok, unchanged, busy, failed };
+
+// Reads an area of the root window and publishes it reduced to the size it is shown at. Only
+// the averaged picture (see PictureReducer) is kept between frames, not the area's own pixels:
+// the changed parts are read piece by piece through a bounded scratch buffer and averaged
+// straight from it, and only the output pixels they affect are reduced again. A change whose
+// reduced pixels equal the current picture's publishes nothing. Used by one capture thread.
+class ReducingReader {
+ public:
+  // At most this many bytes of the area's pixels are read at once (the scratch buffer's size
+  // with MIT-SHM): a full-screen change is read in a few round trips, never held whole.
+  static constexpr std::size_t readBudget = std::size_t(4) << 20;
+
+  // `scratch` (null without MIT-SHM) must outlive the reader.
+  ReducingReader(const XcbConnection& connection, SharedMemory* scratch, const PixelRect& area,
+                 int width, int height);
+
+  // The next picture: the previous one with what `changed` (area coordinates) affects reduced
+  // anew from fresh pixels; the frame's changes are in picture coordinates.
+  ReadResult read(std::vector<PixelRect> changed, FrameRef& frame, std::string& error);
+
+ private:
+  std::vector<PixelRect> pieces(const std::vector<PixelRect>& blocks) const;
+  bool readBlocks(const std::vector<PixelRect>& blocks, std::string& error);
+  bool readShared(const std::vector<PixelRect>& batch, std::string& error);
+  bool readPlain(const std::vector<PixelRect>& batch, std::string& error);
+  void average(const PixelRect& piece, const std::uint8_t* pixels);
+
+  const XcbConnection& connection_;
+  SharedMemory* scratch_;
+  PixelRect area_;
+  PictureReducer reducer_;
+  std::shared_ptr<Frame> averaged_;
+  FramePool pool_;
+  bool primed_ = false;  // the averaged picture holds the whole area
+};
+
+}  // namespace orlet::linux_capture
