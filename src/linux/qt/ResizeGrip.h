@@ -2,10 +2,17 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 namespace orlet::linux_qt {
 
-// An invisible strip along an edge or a square at a corner of a resizable panel. A press on it
+// How far the pointer goes, button down, before a press on a panel becomes a move or a resize
+// handed to the window manager. Asked for at the press itself, some window managers (xfwm4,
+// metacity) start it even when the button is already up again by the time they read the
+// request, and then hold the pointer until the next click, which they swallow to end it.
+inline constexpr qreal systemDragThreshold = 3;
+
+// An invisible strip along an edge or a square at a corner of a resizable panel. Dragging it
 // hands the resize to the window manager (_NET_WM_MOVERESIZE), as a frame's border would; a
 // release that still reaches us means the window manager came too late, and `cancel` runs.
 class ResizeGrip final : public QWidget {
@@ -16,11 +23,13 @@ class ResizeGrip final : public QWidget {
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   Qt::Edges edges_;
   std::function<void()> cancel_;
+  std::optional<QPointF> pressedAt_;
   bool handedOver_ = false;
 };
 

@@ -232,6 +232,11 @@ void XProbe::sync() {
   std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
 }
 
+void XProbe::raise(xcb_window_t window) {
+  xcb_ewmh_request_restack_window(&ewmh_, 0, window, XCB_NONE, XCB_STACK_MODE_ABOVE);
+  xcb_flush(c_);
+}
+
 bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
   auto* symbols = xcb_key_symbols_alloc(c_);
   xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);
