@@ -18,11 +18,7 @@ QtPanel::QtPanel(const PanelConfig& config, const x11::XConnection& x, const Win
                                      .dragTo = [this](Point origin) { dragTo(origin); },
                                      .cancelSystemDrag = [this] { x11_->cancelMoveResize(); },
                                      .systemMoveStarted = [this] { systemMoveStarted(); },
-                                     .painted =
-                                         [this] {
-                                           if (pendingRestack_)
-                                             std::exchange(pendingRestack_, {})();
-                                         }});
+                                     .painted = [this] { onScreen(); }});
   widget_->winId();  // creates the X window now, so that its hints can be set before mapping
   x11_.emplace(x, static_cast<xcb_window_t>(widget_->winId()));
   x11_->refuseFocus();
@@ -43,6 +39,10 @@ void QtPanel::map() {
   if (widget_->isVisible()) return;
   x11_->prepareForMap(level_ == PanelLevel::floating, config_.joinsAllSpaces);
   widget_->show();
+}
+
+void QtPanel::onScreen() {
+  if (pendingRestack_) std::exchange(pendingRestack_, {})();
 }
 
 // A window mapped without the focus is put under the active window by some window managers

@@ -44,6 +44,7 @@ class QtPanel final : public Panel {
  private:
   void map();
   void restackOnceMapped(std::function<void()> restack);
+  void onScreen();
   void geometryChanged();
   void systemMoveStarted();
   void dragTo(Point origin);

@@ -233,7 +233,20 @@ void XProbe::sync() {
 }
 
 void XProbe::raise(xcb_window_t window) {
-  xcb_ewmh_request_restack_window(&ewmh_, 0, window, XCB_NONE, XCB_STACK_MODE_ABOVE);
+  xcb_ewmh_get_atoms_reply_t supported;
+  bool restack = false;
+  if (xcb_ewmh_get_supported_reply(&ewmh_, xcb_ewmh_get_supported(&ewmh_, 0), &supported,
+                                   nullptr)) {
+    restack = std::count(supported.atoms, supported.atoms + supported.atoms_len,
+                         ewmh_._NET_RESTACK_WINDOW) > 0;
+    xcb_ewmh_get_atoms_reply_wipe(&supported);
+  }
+  if (restack) {
+    xcb_ewmh_request_restack_window(&ewmh_, 0, window, XCB_NONE, XCB_STACK_MODE_ABOVE);
+  } else {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(c_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+  }
   xcb_flush(c_);
 }
 
