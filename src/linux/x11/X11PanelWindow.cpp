@@ -63,12 +63,12 @@ void X11PanelWindow::setAbove(bool above) {
 }
 
 void X11PanelWindow::raise() {
-  restack(window_, XCB_NONE, XCB_STACK_MODE_ABOVE, restacksThroughWindowManager());
+  restack(window_, XCB_NONE, XCB_STACK_MODE_ABOVE, x_.hasWindowManager());
   x_.flush();
 }
 
 void X11PanelWindow::lower() {
-  restack(window_, XCB_NONE, XCB_STACK_MODE_BELOW, restacksThroughWindowManager());
+  restack(window_, XCB_NONE, XCB_STACK_MODE_BELOW, x_.hasWindowManager());
   x_.flush();
 }
 
@@ -93,7 +93,7 @@ void X11PanelWindow::restackAbove(xcb_window_t sibling) {
     }
   }
   if (selfDirectlyAbove) return;
-  const bool viaWindowManager = restacksThroughWindowManager();
+  const bool viaWindowManager = x_.hasWindowManager();
   restack(window_, sibling, XCB_STACK_MODE_ABOVE, viaWindowManager);
   xcb_window_t previous = window_;
   for (auto w : over) {
@@ -109,9 +109,7 @@ void X11PanelWindow::restack(xcb_window_t window, xcb_window_t sibling, xcb_stac
     xcb_ewmh_request_restack_window(&x_.ewmh(), x_.screenNumber(), window, sibling, mode);
     return;
   }
-  // Without a window manager the request goes straight to the server (X11 ConfigureWindow); a
-  // window manager without _NET_RESTACK_WINDOW (xfwm4) receives it as a ConfigureRequest (ICCCM
-  // 4.1.5), the sibling naming a client window as here.
+  // Without a window manager the request goes straight to the server (X11 ConfigureWindow).
   const std::uint32_t values[] = {sibling, static_cast<std::uint32_t>(mode)};
   if (sibling == XCB_NONE) {
     xcb_configure_window(x_.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &values[1]);
@@ -122,10 +120,6 @@ void X11PanelWindow::restack(xcb_window_t window, xcb_window_t sibling, xcb_stac
             x_.get(), window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values)
             .sequence);
   }
-}
-
-bool X11PanelWindow::restacksThroughWindowManager() const {
-  return x_.hasWindowManager() && x_.windowManagerSupports(x_.ewmh()._NET_RESTACK_WINDOW);
 }
 
 void X11PanelWindow::cancelMoveResize() {

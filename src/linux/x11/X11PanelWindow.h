@@ -40,8 +40,6 @@ class X11PanelWindow {
  private:
   void restack(xcb_window_t window, xcb_window_t sibling, xcb_stack_mode_t mode,
                bool viaWindowManager);
-  // A window manager that handles _NET_RESTACK_WINDOW: restacks are asked of it that way.
-  bool restacksThroughWindowManager() const;
 
   const XConnection& x_;
   xcb_window_t window_;

@@ -1,7 +1,5 @@
 #include "linux/x11/XConnection.h"
 
-#include <algorithm>
-
 #include <xcb/xinput.h>
 
 #include <cstdlib>
@@ -92,18 +90,6 @@ bool XConnection::hasWindowManager() const {
   return xcb_ewmh_get_supporting_wm_check_reply(
              &ewmh, xcb_ewmh_get_supporting_wm_check(&ewmh, child), &self, nullptr) &&
          self == child;
-}
-
-bool XConnection::windowManagerSupports(xcb_atom_t hint) const {
-  xcb_ewmh_get_atoms_reply_t supported;
-  if (!xcb_ewmh_get_supported_reply(&ewmh_, xcb_ewmh_get_supported(&ewmh_, screenNumber_),
-                                    &supported, nullptr)) {
-    return false;
-  }
-  const bool found = std::find(supported.atoms, supported.atoms + supported.atoms_len, hint) !=
-                     supported.atoms + supported.atoms_len;
-  xcb_ewmh_get_atoms_reply_wipe(&supported);
-  return found;
 }
 
 std::vector<std::uint32_t> readCardinals(const XConnection& x, xcb_window_t window,

@@ -41,8 +41,6 @@ class XConnection {
   // A compliant window manager is running (_NET_SUPPORTING_WM_CHECK, EWMH "Root Window
   // Properties"): restacking and activation go through it with client messages.
   bool hasWindowManager() const;
-  // Whether the window manager lists `hint` among those it supports (_NET_SUPPORTED).
-  bool windowManagerSupports(xcb_atom_t hint) const;
 
   void flush() const { xcb_flush(connection_); }
 
