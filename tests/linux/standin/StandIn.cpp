@@ -22,7 +22,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <map>
 #include <string>
 
 namespace {
@@ -128,34 +127,10 @@ void report(const char* format, auto... args) {
   std::fflush(stdout);
 }
 
-// Some window managers (xfwm4) put a new window on the first display whatever position it asks
-// for, and honour a move once it is mapped: a window found far from its place (farther than a
-// frame's decorations) asks for it once more then.
-void placeAgain(xcb_connection_t* c, xcb_window_t root,
-                const std::map<xcb_window_t, Geometry>& places, xcb_window_t w) {
-  const auto place = places.find(w);
-  if (place == places.end()) return;
-  auto* at =
-      xcb_translate_coordinates_reply(c, xcb_translate_coordinates(c, w, root, 0, 0), nullptr);
-  const bool far = at && (std::abs(at->dst_x - place->second.x) > 64 ||
-                          std::abs(at->dst_y - place->second.y) > 64);
-  std::free(at);
-  if (!far) return;
-  const std::uint32_t xy[] = {static_cast<std::uint32_t>(place->second.x),
-                              static_cast<std::uint32_t>(place->second.y)};
-  xcb_configure_window(c, w, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, xy);
-  xcb_flush(c);
-}
-
-void run(xcb_connection_t* c, xcb_window_t root, xcb_key_symbols_t* keys,
-         std::map<xcb_window_t, Geometry> places) {
+void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
   while (xcb_generic_event_t* event = xcb_wait_for_event(c)) {
     const auto type = event->response_type & 0x7f;
-    if (type == XCB_MAP_NOTIFY) {
-      const auto w = reinterpret_cast<xcb_map_notify_event_t*>(event)->window;
-      placeAgain(c, root, places, w);
-      places.erase(w);
-    } else if (type == XCB_BUTTON_PRESS) {
+    if (type == XCB_BUTTON_PRESS) {
       const auto* e = reinterpret_cast<xcb_button_press_event_t*>(event);
       report("click %u %d %d 0x%x %lld", e->detail, e->root_x, e->root_y, e->event, now());
     } else if (type == XCB_BUTTON_RELEASE) {
@@ -191,10 +166,7 @@ int main(int argc, char** argv) {
                                   : open(c, ewmh, screen, options, options.viewer, crosshair(c));
   xcb_flush(c);
   report("window 0x%x 0x%x 0x%x", main, palette, viewer);
-  std::map<xcb_window_t, Geometry> places{{main, parseGeometry(options.geometry)}};
-  if (palette != XCB_NONE) places[palette] = parseGeometry(options.palette);
-  if (viewer != XCB_NONE) places[viewer] = parseGeometry(options.viewer);
   xcb_key_symbols_t* keys = xcb_key_symbols_alloc(c);
-  run(c, screen->root, keys, std::move(places));
+  run(c, keys);
   return 0;
 }
