@@ -28,22 +28,12 @@ ResizeGrip::ResizeGrip(Qt::Edges edges, QWidget& panel, std::function<void()> ca
 
 void ResizeGrip::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
-  pressedAt_ = event->globalPosition();
+  if (auto* handle = window()->windowHandle()) handedOver_ = handle->startSystemResize(edges_);
   event->accept();
 }
 
-void ResizeGrip::mouseMoveEvent(QMouseEvent* event) {
-  if (!pressedAt_ || !(event->buttons() & Qt::LeftButton)) return QWidget::mouseMoveEvent(event);
-  if (QLineF(*pressedAt_, event->globalPosition()).length() < systemDragThreshold) return;
-  pressedAt_.reset();
-  if (auto* handle = window()->windowHandle()) handedOver_ = handle->startSystemResize(edges_);
-}
-
 void ResizeGrip::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) {
-    pressedAt_.reset();
-    if (std::exchange(handedOver_, false) && cancel_) cancel_();
-  }
+  if (event->button() == Qt::LeftButton && std::exchange(handedOver_, false) && cancel_) cancel_();
   QWidget::mouseReleaseEvent(event);
 }
 

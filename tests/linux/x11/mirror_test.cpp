@@ -21,9 +21,9 @@ class MirrorTest : public OrletTest {
 };
 
 // A click on the button shows the mirror beside it, top edges aligned, and a second click hides
-// it; neither those clicks nor one on the mirror (its background or its edge, where a drag would
-// move or resize it) take the keyboard from the editor or the next click from the button, and
-// neither window lets any window manager give it the keyboard (openbox alone would not try).
+// it; neither those clicks nor one on the mirror's background (where a drag would move it) take
+// the keyboard from the editor or the next click from the button, and neither window lets any
+// window manager give it the keyboard (openbox alone would not try).
 TEST_F(MirrorTest, ButtonTogglesTheMirrorAndTheEditorKeepsTheFocus) {
   startOrlet();
   const auto b = rectOf(button());
@@ -35,7 +35,6 @@ TEST_F(MirrorTest, ButtonTogglesTheMirrorAndTheEditorKeepsTheFocus) {
   EXPECT_TRUE(editorReceivesKey("a", "0x61"));
 
   click({m.x + 100, m.y + 300});
-  click({m.x + 400, m.y + m.height - 2});
   EXPECT_TRUE(editorReceivesKey("b", "0x62"));
   EXPECT_EQ(editor_->output().find("click"), std::string::npos) << editor_->output();
   EXPECT_EQ(rectOf(mirror()), m);
