@@ -2,6 +2,7 @@
 # Installs what ORLET needs to build, test and benchmark on Debian 12, skipping what is present.
 #   scripts/install-deps.sh            # build + run + tests
 #   scripts/install-deps.sh --bench    # also the reference capture tools for the benchmark
+#   scripts/install-deps.sh --wm-matrix  # also the window managers of scripts/wm-matrix.sh
 set -euo pipefail
 
 packages=(
@@ -28,6 +29,10 @@ packages=(
 )
 if [[ ${1:-} == --bench ]]; then
   packages+=(ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
+fi
+if [[ ${1:-} == --wm-matrix ]]; then
+  # the desktops' window managers in their X11 modes; dbus-run-session comes with dbus
+  packages+=(xfwm4 metacity kwin-x11 mutter dbus)
 fi
 
 missing=()

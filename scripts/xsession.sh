@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
 # A real X session for tests, benchmarks and demos: Xorg with the dummy video driver and two
-# RandR outputs (1920x1080 primary at 0,0; 2560x1440 at 1920,0), openbox as window manager, and
-# optionally trayer as a system-tray host.
+# RandR outputs (1920x1080 primary at 0,0; 2560x1440 at 1920,0), a window manager (openbox unless
+# --wm or $ORLET_TEST_WM names another: openbox, xfwm4, metacity, kwin, mutter), and optionally
+# trayer as a system-tray host.
 #
-#   scripts/xsession.sh start :41 [--no-wm] [--tray]   # prints nothing; DISPLAY=:41 is then usable
+#   scripts/xsession.sh start :41 [--no-wm] [--wm NAME] [--tray]   # DISPLAY=:41 is then usable
+#   scripts/xsession.sh tray :41    # starts the tray host on a session started without it
 #   scripts/xsession.sh stop :41
 set -euo pipefail
 
-cmd=${1:?usage: xsession.sh start|stop :N [--no-wm] [--tray]}
+usage="usage: xsession.sh start|tray|stop :N [--no-wm] [--wm NAME] [--tray]"
+cmd=${1:?$usage}
 display=${2:?usage: xsession.sh start|stop :N}
 shift 2
 number=${display#:}
@@ -57,14 +60,41 @@ ours_is_up() {
   kill -0 "$pid" && [[ $(lock_owner) == "$pid" ]] && xdpyinfo -display "$display"
 }
 
+# Starts window manager $1 in the background and records its pid. The desktops' own managers
+# want a session bus of their own, and run without compositing where they can: what the tests
+# read off the screen is then what the applications drew.
+start_wm() {
+  local command bus=(dbus-run-session --)
+  case $1 in
+    openbox) command=(openbox --sm-disable); bus=() ;;
+    xfwm4) command=(xfwm4 --compositor=off) ;;
+    metacity) command=(metacity --replace --no-composite --sm-disable) ;;
+    kwin) command=(env KWIN_COMPOSE=N QT_QPA_PLATFORM=xcb kwin_x11 --replace) ;;
+    mutter) command=(mutter --x11 --replace --sm-disable) ;;
+    *) echo "xsession.sh: unknown window manager $1" >&2; exit 2 ;;
+  esac
+  # The manager itself writes its pid (the bus wrapper ends by itself, with its bus, once the
+  # manager has ended).
+  rm -f "$rundir/wm.pid"
+  "${bus[@]}" sh -c 'echo $$ >"$0"; exec "$@"' "$rundir/wm.pid" "${command[@]}" \
+    >"$rundir/wm.log" 2>&1 &
+  if ! wait_until 20 bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"; then
+    echo "xsession.sh: window manager $1 did not start; see $rundir/wm.log" >&2
+    tail -20 "$rundir/wm.log" >&2 || true
+    exit 1
+  fi
+}
+
 start() {
-  local wm=1 tray=0
-  for arg in "$@"; do
-    case $arg in
-      --no-wm) wm=0 ;;
+  local wm=${ORLET_TEST_WM:-openbox} tray=0
+  while (($#)); do
+    case $1 in
+      --no-wm) wm="" ;;
+      --wm) wm=${2:?$usage}; shift ;;
       --tray) tray=1 ;;
-      *) echo "xsession.sh: unknown option $arg" >&2; exit 2 ;;
+      *) echo "xsession.sh: unknown option $1" >&2; exit 2 ;;
     esac
+    shift
   done
   stop
   mkdir -p "$rundir"
@@ -117,21 +147,22 @@ CONF
   xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
     --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
   xsetroot -solid '#3c4048' 2>/dev/null || true
-  if ((wm)); then
-    openbox --sm-disable >"$rundir/openbox.log" 2>&1 &
-    echo $! > "$rundir/openbox.pid"
-    wait_until 10 bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
-  fi
-  if ((tray)); then
-    trayer --edge bottom --align right --widthtype pixel --width 120 --heighttype pixel \
-      --height 24 --transparent false >"$rundir/trayer.log" 2>&1 &
-    echo $! > "$rundir/trayer.pid"
-    wait_until 10 bash -c "xprop -root | grep -q _NET_SYSTEM_TRAY || xwininfo -root -tree | grep -qi trayer"
-  fi
+  if [[ -n $wm ]]; then start_wm "$wm"; fi
+  if ((tray)); then start_tray; fi
+}
+
+# trayer as the notification area (an XEmbed tray host), on the running session.
+start_tray() {
+  export DISPLAY=$display
+  trayer --edge bottom --align right --widthtype pixel --width 120 --heighttype pixel \
+    --height 24 --transparent false >"$rundir/trayer.log" 2>&1 &
+  echo $! > "$rundir/trayer.pid"
+  wait_until 10 bash -c "xprop -root | grep -q _NET_SYSTEM_TRAY || xwininfo -root -tree | grep -qi trayer"
 }
 
 case $cmd in
   start) start "$@" ;;
   stop) stop ;;
-  *) echo "usage: xsession.sh start|stop :N [--no-wm] [--tray]" >&2; exit 2 ;;
+  tray) start_tray ;;
+  *) echo "$usage" >&2; exit 2 ;;
 esac

@@ -13,8 +13,8 @@ class StatusBar {
  public:
   virtual ~StatusBar() = default;
 
-  // Shows a status icon drawn from `icon` whose click opens `menu`. Returns false, and shows
-  // neither, when the desktop has no notification area.
+  // Shows a status icon drawn from `icon` whose click opens `menu`. Returns false when the
+  // desktop has no notification area yet; the icon then appears once one does.
   virtual bool createStatusItem(const Drawing& icon, std::shared_ptr<const Menu> menu) = 0;
 
   // Pops `menu` up with its top-left corner at `screenLocation` (global coordinates).

@@ -106,6 +106,7 @@ void PanelWidget::layoutChildren() {
 // Without a compositor a clear colour would show garbage, so the background is painted over
 // the palette's window colour.
 void PanelWidget::paintEvent(QPaintEvent*) {
+  if (callbacks_.painted) callbacks_.painted();
   QPainter painter(this);
   if (config_.face) {
     // The shape mask has hard edges: the pixels it keeps along the rim take the colour of the
@@ -127,15 +128,26 @@ void PanelWidget::mousePressEvent(QMouseEvent* event) {
   event->accept();
   if (isRound(config_)) {
     selfDrag_ = SelfDrag{toNative(event->globalPosition()), toNative(geometry()).origin()};
-  } else if (auto* handle = windowHandle()) {
-    systemMoveRequested_ = handle->startSystemMove();
-    if (systemMoveRequested_ && callbacks_.systemMoveStarted) callbacks_.systemMoveStarted();
+  } else {
+    systemMovePending_ = event->globalPosition();
   }
 }
 
 void PanelWidget::mouseMoveEvent(QMouseEvent* event) {
-  if (!selfDrag_ || !(event->buttons() & Qt::LeftButton)) return QWidget::mouseMoveEvent(event);
-  dragWith(*event);
+  if (!(event->buttons() & Qt::LeftButton)) return QWidget::mouseMoveEvent(event);
+  if (selfDrag_) return dragWith(*event);
+  if (systemMovePending_ &&
+      QLineF(*systemMovePending_, event->globalPosition()).length() >= systemDragThreshold) {
+    systemMovePending_.reset();
+    startSystemMove();
+  }
+}
+
+void PanelWidget::startSystemMove() {
+  auto* handle = windowHandle();
+  if (!handle) return;
+  systemMoveRequested_ = handle->startSystemMove();
+  if (systemMoveRequested_ && callbacks_.systemMoveStarted) callbacks_.systemMoveStarted();
 }
 
 // Follows the pointer as the event saw it, not as it is now.
@@ -154,6 +166,7 @@ void PanelWidget::mouseReleaseEvent(QMouseEvent* event) {
       dragWith(*event);
     }
     selfDrag_.reset();
+    systemMovePending_.reset();
     if (std::exchange(systemMoveRequested_, false) && callbacks_.cancelSystemDrag) {
       callbacks_.cancelSystemDrag();
     }

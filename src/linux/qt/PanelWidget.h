@@ -24,6 +24,7 @@ class PanelWidget final : public QWidget {
     std::function<void(Point origin)> dragTo;  // a self-move, global device pixels
     std::function<void()> cancelSystemDrag;    // the window manager came too late
     std::function<void()> systemMoveStarted;   // the window manager now moves the panel
+    std::function<void()> painted;             // on screen: the server exposed the window
   };
 
   PanelWidget(const PanelConfig& config, Callbacks callbacks);
@@ -45,6 +46,7 @@ class PanelWidget final : public QWidget {
 
  private:
   void dragWith(const QMouseEvent& event);
+  void startSystemMove();
   struct SelfDrag {
     Point pointerAtPress;
     Point originAtPress;
@@ -60,6 +62,8 @@ class PanelWidget final : public QWidget {
   QPointer<QWidget> content_;
   std::vector<ResizeGrip*> grips_;
   std::optional<SelfDrag> selfDrag_;
+  // Where a press on the background was, until the pointer moves far enough to make it a drag.
+  std::optional<QPointF> systemMovePending_;
   bool systemMoveRequested_ = false;
 };
 

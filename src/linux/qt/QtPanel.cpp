@@ -1,5 +1,6 @@
 #include "linux/qt/QtPanel.h"
 
+#include <QWindow>
 #include <algorithm>
 #include <utility>
 
@@ -16,7 +17,8 @@ QtPanel::QtPanel(const PanelConfig& config, const x11::XConnection& x, const Win
       config, PanelWidget::Callbacks{.geometryChanged = [this] { geometryChanged(); },
                                      .dragTo = [this](Point origin) { dragTo(origin); },
                                      .cancelSystemDrag = [this] { x11_->cancelMoveResize(); },
-                                     .systemMoveStarted = [this] { systemMoveStarted(); }});
+                                     .systemMoveStarted = [this] { systemMoveStarted(); },
+                                     .painted = [this] { onScreen(); }});
   widget_->winId();  // creates the X window now, so that its hints can be set before mapping
   x11_.emplace(x, static_cast<xcb_window_t>(widget_->winId()));
   x11_->refuseFocus();
@@ -39,25 +41,37 @@ void QtPanel::map() {
   widget_->show();
 }
 
+void QtPanel::onScreen() {
+  if (pendingRestack_) std::exchange(pendingRestack_, {})();
+}
+
 // A window mapped without the focus is put under the active window by some window managers
 // (openbox's "nonintrusive" placement), hence the explicit raise.
 void QtPanel::orderFrontRegardless() {
-  map();
-  x11_->raise();
+  restackOnceMapped([this] { x11_->raise(); });
 }
 
 void QtPanel::orderOut() {
+  pendingRestack_ = {};
   widget_->hide();
 }
 
 void QtPanel::orderBack() {
-  map();
-  x11_->lower();
+  restackOnceMapped([this] { x11_->lower(); });
 }
 
 void QtPanel::orderAbove(WindowNumber sibling) {
+  restackOnceMapped([this, sibling] { x11_->restackAbove(static_cast<xcb_window_t>(sibling)); });
+}
+
+// metacity and Mutter place a window that did not get the focus below the active window when
+// they map it, which they do after reading a restack sent with the map request: for a window
+// not yet on screen the restack is asked for again once the server has shown it.
+void QtPanel::restackOnceMapped(std::function<void()> restack) {
+  const bool onScreen = widget_->isVisible() && widget_->windowHandle()->isExposed();
   map();
-  x11_->restackAbove(sibling);
+  restack();
+  pendingRestack_ = onScreen ? std::function<void()>{} : std::move(restack);
 }
 
 bool QtPanel::isVisible() const {

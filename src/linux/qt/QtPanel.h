@@ -43,6 +43,8 @@ class QtPanel final : public Panel {
 
  private:
   void map();
+  void restackOnceMapped(std::function<void()> restack);
+  void onScreen();
   void geometryChanged();
   void systemMoveStarted();
   void dragTo(Point origin);
@@ -58,6 +60,7 @@ class QtPanel final : public Panel {
   Rect reported_;                         // the frame last reported to observers
   std::optional<Point> requestedOrigin_;  // a move asked by the program, not the user
   bool userMoving_ = false;
+  std::function<void()> pendingRestack_;  // to ask again once the window is on screen
 };
 
 }  // namespace orlet::linux_qt

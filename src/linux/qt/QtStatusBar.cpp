@@ -22,8 +22,9 @@ QIcon iconFrom(const Drawing& drawing) {
 QtStatusBar::QtStatusBar() = default;
 QtStatusBar::~QtStatusBar() = default;
 
+// Made and shown even without a notification area: one started later (a panel that comes up
+// after this program, or comes back) docks the icon as soon as it claims the tray selection.
 bool QtStatusBar::createStatusItem(const Drawing& icon, std::shared_ptr<const Menu> menu) {
-  if (!QSystemTrayIcon::isSystemTrayAvailable()) return false;
   tray_ = std::make_unique<QSystemTrayIcon>(iconFrom(icon));
   QMenu& built = menuFor(menu);
   tray_->setContextMenu(&built);
@@ -33,7 +34,7 @@ bool QtStatusBar::createStatusItem(const Drawing& icon, std::shared_ptr<const Me
                      if (reason == QSystemTrayIcon::Trigger) built.popup(QCursor::pos());
                    });
   tray_->show();
-  return true;
+  return QSystemTrayIcon::isSystemTrayAvailable();
 }
 
 void QtStatusBar::popUpMenu(std::shared_ptr<const Menu> menu, Point screenLocation) {

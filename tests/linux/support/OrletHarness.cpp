@@ -36,7 +36,7 @@ Rect enlargedOnScreen(const WindowRect& m) {
 }
 
 void OrletTest::SetUp() {
-  session_ = std::make_unique<XSession>();
+  session_ = std::make_unique<XSession>(sessionHasTray_);
   x_ = std::make_unique<XProbe>(session_->display());
   std::string pattern = (fs::temp_directory_path() / "orlet-x11-home-XXXXXX").string();
   ASSERT_NE(mkdtemp(pattern.data()), nullptr);
@@ -192,7 +192,7 @@ void OrletTest::activate(xcb_window_t window) {
 }
 
 void OrletTest::raise(xcb_window_t window) {
-  xdotool("windowraise " + std::to_string(window));
+  x_->raise(window);
 }
 
 bool OrletTest::editorReceivesKey(const std::string& name, const std::string& keysym) {

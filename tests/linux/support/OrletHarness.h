@@ -84,6 +84,8 @@ class OrletTest : public ::testing::Test {
   // Set before SetUp: the editor also opens its crosshair viewer window there (WxH+X+Y).
   std::string editorViewerGeometry_;
   xcb_window_t viewerWindow_ = XCB_NONE;
+  // Set false before SetUp for a session without a notification area.
+  bool sessionHasTray_ = true;
 
  private:
   std::unique_ptr<Process> startStandIn(const std::string& name,

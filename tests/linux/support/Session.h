@@ -40,17 +40,19 @@ class Process {
   std::optional<int> status_;
 };
 
-// A private X session (scripts/xsession.sh: Xorg dummy with two outputs, openbox, trayer) on the
-// first free display among :50 to :59 (or the ten from ORLET_TEST_DISPLAY_FIRST), stopped again
-// when destroyed.
+// A private X session (scripts/xsession.sh: Xorg dummy with two outputs, the window manager
+// $ORLET_TEST_WM names or openbox, trayer unless `tray` is false) on the first free display among
+// :50 to :59 (or the ten from ORLET_TEST_DISPLAY_FIRST), stopped again when destroyed.
 class XSession {
  public:
-  XSession();
+  explicit XSession(bool tray = true);
   XSession(const XSession&) = delete;
   XSession& operator=(const XSession&) = delete;
   ~XSession();
 
   const std::string& display() const { return display_; }
+  // Starts the tray host now, on a session started without it.
+  bool startTray();
 
  private:
   std::string display_;

@@ -232,6 +232,24 @@ void XProbe::sync() {
   std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
 }
 
+void XProbe::raise(xcb_window_t window) {
+  xcb_ewmh_get_atoms_reply_t supported;
+  bool restack = false;
+  if (xcb_ewmh_get_supported_reply(&ewmh_, xcb_ewmh_get_supported(&ewmh_, 0), &supported,
+                                   nullptr)) {
+    restack = std::count(supported.atoms, supported.atoms + supported.atoms_len,
+                         ewmh_._NET_RESTACK_WINDOW) > 0;
+    xcb_ewmh_get_atoms_reply_wipe(&supported);
+  }
+  if (restack) {
+    xcb_ewmh_request_restack_window(&ewmh_, 0, window, XCB_NONE, XCB_STACK_MODE_ABOVE);
+  } else {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(c_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+  }
+  xcb_flush(c_);
+}
+
 bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
   auto* symbols = xcb_key_symbols_alloc(c_);
   xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);

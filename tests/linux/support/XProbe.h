@@ -62,6 +62,10 @@ class XProbe {
   // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable).
   std::vector<std::uint32_t> pixels(const WindowRect& r);
   std::uint32_t pixel(int x, int y) { return pixels({x, y, 1, 1}).front(); }
+  // Raises `window` to the top of its layer as a pager asks it (_NET_RESTACK_WINDOW), which
+  // metacity honours where it refuses an application's own raise while another is active; with
+  // a window manager that lacks it (xfwm4), as the application itself asks.
+  void raise(xcb_window_t window);
   // Grabs the key typing `keysym` under exactly `modifiers` on the root window, as another
   // program's global shortcut would; false when the server refuses.
   bool grabKey(std::uint32_t keysym, std::uint16_t modifiers);

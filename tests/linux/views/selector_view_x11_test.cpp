@@ -3,7 +3,9 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QToolButton>
+#include <filesystem>
 
+#include "Session.h"
 #include "XProbe.h"
 #include "linux/qt/views/BusyIndicator.h"
 #include "linux/qt/views/DetailsPopover.h"
@@ -163,6 +165,47 @@ TEST_F(SelectorViewTest, DetailsPopoverShowsTheDisplayFactsWithoutTakingTheFocus
     advance(0);
     EXPECT_EQ(card->popover()->isVisible(), open);
   }
+}
+
+// A press in another application, the editor in front, closes the popover as it closes any
+// popover; the press reaches the editor, which stays the active application.
+TEST_F(SelectorViewTest, DetailsPopoverClosesOnAPressInAnotherApplication) {
+  const auto log = std::filesystem::temp_directory_path() / "orlet-popover-editor.log";
+  std::filesystem::remove(log);
+  x11test::Process editor({ORLET_STANDIN_BINARY, "--class", "CaptureOne", "--title",
+                           "Capture One 23", "--geometry", "600x400+3000+700"},
+                          {}, log.string());
+  x11test::XProbe x;
+  xcb_window_t editorWindow = XCB_NONE;
+  ASSERT_TRUE(processEventsUntil([&] {
+    const auto windows = x.topLevelsOf(editor.pid());
+    const auto managed = x.clientList();
+    for (const auto w : windows) {
+      if (std::find(managed.begin(), managed.end(), w) != managed.end()) editorWindow = w;
+    }
+    return editorWindow != XCB_NONE;
+  }));
+  const auto xdotool = [](const std::string& arguments) {
+    return std::system(("xdotool " + arguments).c_str()) == 0;
+  };
+  ASSERT_TRUE(xdotool("windowactivate --sync " + std::to_string(editorWindow)));
+
+  permission.granted = true;
+  showPanel();
+  advance(1);
+  auto* card = view.grid()->cards()[1];
+  card->infoButton()->click();
+  advance(0);
+  ASSERT_TRUE(processEventsUntil([&] { return card->popover()->isVisible(); }));
+  test::processPendingEvents();
+  ASSERT_TRUE(xdotool("mousemove 3300 900 click 1"));
+  EXPECT_TRUE(processEventsUntil([&] { return !card->popover()->isVisible(); }));
+  advance(0);
+  EXPECT_FALSE(card->model().showingInfo.get());
+  EXPECT_TRUE(
+      processEventsUntil([&] { return editor.output().find("click 1 ") != std::string::npos; }));
+  EXPECT_EQ(x.activeWindow(), editorWindow);
+  std::filesystem::remove(log);
 }
 
 }  // namespace

@@ -49,6 +49,30 @@ TEST_F(OrletTest, ButtonFollowsTheEditorAndStaysOutOfTheTaskbar) {
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
 }
 
+class WithoutTrayTest : public OrletTest {
+ protected:
+  void SetUp() override {
+    sessionHasTray_ = false;
+    OrletTest::SetUp();
+  }
+};
+
+// Started before any notification area, ORLET is still reached through the button's menu; the
+// status icon docks as soon as a tray host comes up.
+TEST_F(WithoutTrayTest, TheStatusIconComesWithALateTray) {
+  startOrlet();
+  EXPECT_FALSE(x_->trayPanel());
+  EXPECT_NE(openSettings(), XCB_NONE);
+
+  ASSERT_TRUE(session_->startTray());
+  EXPECT_TRUE(eventually(
+      [&] {
+        const auto tray = x_->trayPanel();
+        return tray && !x_->descendantsOf(*tray, orlet_->pid()).empty();
+      },
+      10s));
+}
+
 // "Quitter" ends ORLET with status 0 whatever its captures are doing: while the display list is
 // being checked, while the cards capture, while the chosen display captures. Each moment is tried
 // a few times, since a capture thread that outlives what it reports to fails only now and then.

@@ -7,10 +7,13 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
+#include <QSocketNotifier>
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "linux/qt/NativeCoordinates.h"
 #include "linux/qt/views/ViewStyle.h"
+#include "linux/x11/X11PressWatcher.h"
 
 namespace orlet::linux_qt {
 namespace {
@@ -51,6 +54,22 @@ void DetailsPopover::showAt(QWidget* anchor) {
   show();
   raise();
   qApp->installEventFilter(this);
+  watchPressesEverywhere();
+}
+
+// Presses in other applications never reach this program's windows: they are seen on the
+// display as a whole. Without XInput 2 only this program's own presses close the bubble.
+void DetailsPopover::watchPressesEverywhere() {
+  if (presses_) return;
+  presses_ = x11::X11PressWatcher::open();
+  if (!presses_) return;
+  pressNotifier_ = new QSocketNotifier(presses_->fileDescriptor(), QSocketNotifier::Read, this);
+  connect(pressNotifier_, &QSocketNotifier::activated, this, [this] { pressedElsewhere(); });
+}
+
+void DetailsPopover::pressedElsewhere() {
+  if (!presses_) return;
+  if (const auto at = presses_->takePress()) dismissUnlessOn(toLogical(*at).toPoint());
 }
 
 void DetailsPopover::place(QWidget* anchor) {
@@ -111,18 +130,30 @@ void DetailsPopover::paintEvent(QPaintEvent*) {
 bool DetailsPopover::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::MouseButtonPress || !isVisible()) return false;
   if (!qobject_cast<QWindow*>(watched)) return false;  // each press reaches its window first
-  const QPoint global = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
+  dismissUnlessOn(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+  return false;
+}
+
+void DetailsPopover::dismissUnlessOn(QPoint global) {
+  if (!isVisible()) return;
   const bool onSelf = geometry().contains(global);
   const bool onAnchor =
       anchor_ && QRect(anchor_->mapToGlobal(QPoint(0, 0)), anchor_->size()).contains(global);
-  if (onSelf || onAnchor) return false;
+  if (onSelf || onAnchor) return;
   hide();
   if (onDismiss_) onDismiss_();
-  return false;
 }
 
 void DetailsPopover::hideEvent(QHideEvent*) {
   qApp->removeEventFilter(this);
+  // Hidden from within the notifier's own signal, perhaps: it goes once that has returned, and
+  // stops watching the connection before the connection closes.
+  if (pressNotifier_) {
+    pressNotifier_->setEnabled(false);
+    pressNotifier_->deleteLater();
+    pressNotifier_ = nullptr;
+  }
+  presses_.reset();
 }
 
 }  // namespace orlet::linux_qt

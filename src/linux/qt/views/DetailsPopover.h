@@ -3,14 +3,20 @@
 #include <QPointer>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 class QLabel;
+class QSocketNotifier;
+
+namespace orlet::x11 {
+class X11PressWatcher;
+}
 
 namespace orlet::linux_qt {
 
 // A small bubble of text pointing at the control that opened it. It is an unmanaged popup that
 // never takes the keyboard or the focus, so the editor stays the active application while it
-// is open; a press anywhere else in this program closes it.
+// is open; a press anywhere else, in this program or any other, closes it.
 class DetailsPopover final : public QWidget {
  public:
   explicit DetailsPopover(QWidget* owner);
@@ -34,12 +40,18 @@ class DetailsPopover final : public QWidget {
  private:
   QPainterPath outline() const;
   void place(QWidget* anchor);
+  void watchPressesEverywhere();
+  void pressedElsewhere();
+  // Closes the bubble unless `global` (logical coordinates) is on it or on its anchor.
+  void dismissUnlessOn(QPoint global);
 
   QLabel* label_;
   QPointer<QWidget> anchor_;
   bool arrowUp_ = true;
   qreal arrowX_ = 0;
   std::function<void()> onDismiss_;
+  std::unique_ptr<x11::X11PressWatcher> presses_;
+  QSocketNotifier* pressNotifier_ = nullptr;
 };
 
 }  // namespace orlet::linux_qt
