@@ -14,8 +14,10 @@ packages=(
   libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
   libxcb-xtest0-dev libxcb-xinput-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev
   libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev libxcb-xkb-dev
-  # tests
-  libgtest-dev libgmock-dev
+  # tests; XRes, to read what ORLET holds on the X server in the reliability tests
+  libgtest-dev libgmock-dev libxcb-res0-dev
+  # fuzzing: clang with libFuzzer
+  clang libclang-rt-14-dev
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,
   # tools the integration tests drive it with, and fonts and icons for what is drawn
   xserver-xorg-core libgl1-mesa-dri xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer

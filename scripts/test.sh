@@ -3,6 +3,7 @@
 # the logic's unit tests, the formatting check, and the integration tests on a real X server.
 # Then builds the whole tree once more as a packager would, optimised (RelWithDebInfo, benchmarks
 # included), where the compiler's warnings differ, and runs the unit tests from that build.
+# Last, the fuzzers (clang, libFuzzer) run for a bounded time over their seed corpora.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -19,3 +20,9 @@ ctest --test-dir "$build" --output-on-failure --timeout 600 "$@"
 cmake -S . -B "$build-release" -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build "$build-release" -j"$(nproc)"
 ctest --test-dir "$build-release" --output-on-failure --timeout 600 -L unit
+
+fuzz=${ORLET_FUZZ_BUILD_DIR:-build-fuzz}
+cmake -S . -B "$fuzz" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo -DORLET_FUZZ=ON \
+  -DORLET_BUILD_TESTS=OFF -DORLET_BUILD_BENCH=OFF -DORLET_FUZZ_SECONDS="${ORLET_FUZZ_SECONDS:-15}"
+cmake --build "$fuzz" -j"$(nproc)" --target fuzzers
+ctest --test-dir "$fuzz" --output-on-failure -L fuzz

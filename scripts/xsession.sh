@@ -3,11 +3,16 @@
 # RandR outputs (1920x1080 primary at 0,0; 2560x1440 at 1920,0), openbox as window manager, and
 # optionally trayer as a system-tray host.
 #
-#   scripts/xsession.sh start :41 [--no-wm] [--tray]   # prints nothing; DISPLAY=:41 is then usable
+#   scripts/xsession.sh start :41 [--no-wm] [--tray] [--no-shm] [--depth 30]
+#                                                   # prints nothing; DISPLAY=:41 is then usable
+#   scripts/xsession.sh wm :41 stop|start|replace   # the window manager goes, comes, is replaced
 #   scripts/xsession.sh stop :41
+#
+# --no-shm starts the server without the MIT-SHM extension; --depth 30 gives a 30-bit root
+# window (10 bits a channel).
 set -euo pipefail
 
-cmd=${1:?usage: xsession.sh start|stop :N [--no-wm] [--tray]}
+cmd=${1:?usage: xsession.sh start|stop|wm :N [--no-wm] [--tray] [--no-shm] [--depth 30]}
 display=${2:?usage: xsession.sh start|stop :N}
 shift 2
 number=${display#:}
@@ -57,14 +62,45 @@ ours_is_up() {
   kill -0 "$pid" && [[ $(lock_owner) == "$pid" ]] && xdpyinfo -display "$display"
 }
 
+# The window manager: started, stopped, or replaced by a new one through the WM_S0 selection
+# (ICCCM 2.8), as a user switching window managers does.
+window_manager() {
+  local pidfile=$rundir/openbox.pid
+  case ${1:-} in
+    stop)
+      if [[ -e $pidfile ]]; then
+        local pid; pid=$(cat "$pidfile")
+        kill "$pid" 2>/dev/null || true
+        wait_until 5 bash -c "! kill -0 $pid" || kill -9 "$pid" 2>/dev/null || true
+        rm -f "$pidfile"
+      fi
+      wait_until 5 bash -c "! xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'" || true
+      ;;
+    start|replace)
+      local old="" replace=()
+      [[ -e $pidfile ]] && old=$(cat "$pidfile")
+      [[ $1 == replace ]] && replace=(--replace)
+      DISPLAY=$display openbox --sm-disable "${replace[@]}" >>"$rundir/openbox.log" 2>&1 &
+      echo $! > "$pidfile"
+      if [[ -n $old ]]; then wait_until 10 bash -c "! kill -0 $old" || return 1; fi
+      DISPLAY=$display wait_until 10 bash -c \
+        "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
+      ;;
+    *) echo "usage: xsession.sh wm :N stop|start|replace" >&2; exit 2 ;;
+  esac
+}
+
 start() {
-  local wm=1 tray=0
-  for arg in "$@"; do
-    case $arg in
+  local wm=1 tray=0 depth=24 extensions=()
+  while (($#)); do
+    case $1 in
       --no-wm) wm=0 ;;
       --tray) tray=1 ;;
-      *) echo "xsession.sh: unknown option $arg" >&2; exit 2 ;;
+      --no-shm) extensions+=(-extension MIT-SHM) ;;
+      --depth) depth=${2:?--depth needs a number}; shift ;;
+      *) echo "xsession.sh: unknown option $1" >&2; exit 2 ;;
     esac
+    shift
   done
   stop
   mkdir -p "$rundir"
@@ -88,15 +124,16 @@ Section "Screen"
   Identifier "screen"
   Device "dummy"
   Monitor "monitor"
-  DefaultDepth 24
+  DefaultDepth DEPTH
   SubSection "Display"
-    Depth 24
+    Depth DEPTH
     Virtual 6400 2160
   EndSubSection
 EndSection
 CONF
+  sed -i "s/DEPTH/$depth/" "$rundir/xorg.conf"
   Xorg "$display" -config "$rundir/xorg.conf" -noreset -nolisten tcp -logfile "$rundir/xorg.log" \
-    >"$rundir/xorg.out" 2>&1 &
+    "${extensions[@]}" >"$rundir/xorg.out" 2>&1 &
   echo $! > "$rundir/xorg.pid"
   local up=0 deadline=$((SECONDS + 20))
   while ((SECONDS < deadline)); do
@@ -117,11 +154,7 @@ CONF
   xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
     --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
   xsetroot -solid '#3c4048' 2>/dev/null || true
-  if ((wm)); then
-    openbox --sm-disable >"$rundir/openbox.log" 2>&1 &
-    echo $! > "$rundir/openbox.pid"
-    wait_until 10 bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
-  fi
+  if ((wm)); then window_manager start; fi
   if ((tray)); then
     trayer --edge bottom --align right --widthtype pixel --width 120 --heighttype pixel \
       --height 24 --transparent false >"$rundir/trayer.log" 2>&1 &
@@ -133,5 +166,6 @@ CONF
 case $cmd in
   start) start "$@" ;;
   stop) stop ;;
-  *) echo "usage: xsession.sh start|stop :N [--no-wm] [--tray]" >&2; exit 2 ;;
+  wm) window_manager "$@" ;;
+  *) echo "usage: xsession.sh start|stop|wm :N [--no-wm] [--tray] [--no-shm] [--depth 30]" >&2; exit 2 ;;
 esac

@@ -14,10 +14,24 @@ std::int64_t totalArea(const std::vector<PixelRect>& rects) {
   return area;
 }
 
+// A row of x2r10g10b10 pixels (a 30-bit root window) as the frames' 8-bit BGRX: the top eight bits
+// of each channel.
+void narrowTenBitRow(const std::uint8_t* source, std::uint8_t* target, int width) {
+  for (int x = 0; x < width; ++x) {
+    std::uint32_t pixel;
+    std::memcpy(&pixel, source + 4 * std::size_t(x), 4);
+    const std::uint32_t narrowed = 0xFF000000u | ((pixel >> 22) & 0xFF) << 16 |
+                                   ((pixel >> 12) & 0xFF) << 8 | ((pixel >> 2) & 0xFF);
+    std::memcpy(target + 4 * std::size_t(x), &narrowed, 4);
+  }
+}
+
 }  // namespace
 
 PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory)
-    : connection_(connection), useShm_(useSharedMemory) {}
+    : connection_(connection),
+      useShm_(useSharedMemory),
+      tenBitChannels_(connection.screen().root_depth == 30) {}
 
 PixelReader::~PixelReader() = default;
 
@@ -72,7 +86,9 @@ bool PixelReader::readShm(Frame& frame, const std::vector<PixelRect>& changed, s
   const PixelRect band{0, bounds.y, area_.width, bounds.height};
   // A large change is read as whole rows straight into the frame (no copy on our side); a
   // small one rectangle by rectangle into scratch memory, then copied: fewer bytes overall.
-  if (frameMemory_.count(frame.pixels()) && band.area() <= 2 * totalArea(changed)) {
+  // Ten-bit pixels are converted as they are copied: never read straight into the frame.
+  if (!tenBitChannels_ && frameMemory_.count(frame.pixels()) &&
+      band.area() <= 2 * totalArea(changed)) {
     return readBand(frame, band, error);
   }
   return readRects(frame, changed, error);
@@ -157,6 +173,13 @@ bool PixelReader::readPlain(Frame& frame, const std::vector<PixelRect>& changed,
 void PixelReader::copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const {
   const std::size_t bytes = std::size_t(rect.width) * Frame::bytesPerPixel;
   const std::size_t offset = std::size_t(rect.x) * Frame::bytesPerPixel;
+  if (tenBitChannels_) {
+    for (int y = 0; y < rect.height; ++y) {
+      narrowTenBitRow(source + bytes * std::size_t(y), frame.mutableRow(rect.y + y) + offset,
+                      rect.width);
+    }
+    return;
+  }
   for (int y = 0; y < rect.height; ++y) {
     std::memcpy(frame.mutableRow(rect.y + y) + offset, source + bytes * std::size_t(y), bytes);
   }

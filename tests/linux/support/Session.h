@@ -45,12 +45,16 @@ class Process {
 // when destroyed.
 class XSession {
  public:
-  XSession();
+  // `options`: more of the session script's start options ("--no-shm", "--depth 30").
+  explicit XSession(const std::string& options = {});
   XSession(const XSession&) = delete;
   XSession& operator=(const XSession&) = delete;
   ~XSession();
 
   const std::string& display() const { return display_; }
+  // The window manager goes ("stop"), comes ("start") or is replaced by a new one ("replace");
+  // false when the script fails.
+  bool windowManager(const std::string& action);
 
  private:
   std::string display_;
