@@ -13,6 +13,14 @@ constexpr char kSettings[] =
     "secondaryWindowWidth=900\nsecondaryWindowHeight=600\n"
     "secondaryWindowPinned=false\nhotkeyChars=K\nhotkeyModifiers=4096\n";
 
+// What ORLET holds varies a little with the moment it is read, whatever happened before: a
+// capture thread winding down, the wake-up descriptors of Qt's and the capture's event loops, a
+// buffer and its shared-memory segment still travelling. A leak in any repeated step grows past
+// these within the counts of the cases.
+constexpr int kThreadSlack = 1;
+constexpr int kDescriptorSlack = 3;
+constexpr long kResourceSlack = 8;
+
 bool isDark(std::uint32_t rgb) {
   return ((rgb >> 16) & 0xff) + ((rgb >> 8) & 0xff) + (rgb & 0xff) < 3 * 0x90;
 }
@@ -52,12 +60,23 @@ void ReliabilityTest::toggleWithShortcut() {
   const bool wasShown = isShown(mirror());
   xdotool("key ctrl+k");
   ASSERT_TRUE(eventually([&] { return isShown(mirror()) != wasShown; }, 10s));
+  // A mirror shown again first paints its background, then the view it was left in.
+  if (!wasShown) {
+    ASSERT_TRUE(eventually([&] { return isEnlarged() || secondCardShowsPatch(); }, 10s));
+  }
 }
 
-// The enlarged picture shows the display's dark desktop where the grid has its light background.
+bool ReliabilityTest::secondCardShowsPatch() {
+  const auto at = inCard(rectOf(mirror()), 1, kSecondDisplay, middle(kSecondPatch));
+  return near(x_->pixel(at.x, at.y), secondPatchColour_);
+}
+
+// The enlarged picture shows the display's dark desktop where the grid has its light background,
+// under the light band of its buttons (a window just mapped is dark all over until painted).
 bool ReliabilityTest::isEnlarged() {
   const auto m = rectOf(mirror());
-  return isDark(x_->pixel(m.x + m.width / 2, m.y + m.height - 60));
+  return isDark(x_->pixel(m.x + m.width / 2, m.y + m.height - 60)) &&
+         !isDark(x_->pixel(m.x + m.width / 2, m.y + 20));
 }
 
 void ReliabilityTest::switchView() {
@@ -66,6 +85,8 @@ void ReliabilityTest::switchView() {
   if (enlarged) {
     click({m.x + 19, m.y + 19});  // the back button, top left
   } else {
+    // A grid just shown may still be listing the displays: click once the card is there.
+    ASSERT_TRUE(eventually([&] { return secondCardShowsPatch(); }, 10s));
     click(inCard(m, 1, kSecondDisplay, middle(kSecondPatch)));
   }
   ASSERT_TRUE(eventually([&] { return isEnlarged() != enlarged; }, 10s));
@@ -77,7 +98,8 @@ bool ReliabilityTest::showsBothDisplays() {
       [&] {
         const auto a = inCard(m, 0, kMainDisplay, middle(kMainPatch));
         const auto b = inCard(m, 1, kSecondDisplay, middle(kSecondPatch));
-        return near(x_->pixel(a.x, a.y), kMainColour) && near(x_->pixel(b.x, b.y), kSecondColour);
+        return near(x_->pixel(a.x, a.y), kMainColour) &&
+               near(x_->pixel(b.x, b.y), secondPatchColour_);
       },
       6s);
 }
@@ -93,6 +115,7 @@ void ReliabilityTest::paintSecondPatch(const std::vector<std::uint32_t>& colours
   }
   for (const std::uint32_t colour : colours) {
     x_->fill(secondPatch_, {0, 0, kSecondPatch.width, kSecondPatch.height}, colour);
+    secondPatchColour_ = colour;
     EXPECT_TRUE(eventually([&] { return near(x_->pixel(at.x, at.y), colour); }, 6s))
         << std::hex << colour;
   }
@@ -109,16 +132,17 @@ void ReliabilityTest::expectHeldUp(const Footprint& before) {
   EXPECT_TRUE(eventually(
       [&] {
         after = footprint();
-        return after.threads <= before.threads && after.descriptors <= before.descriptors &&
-               after.xResources <= before.xResources;
+        return after.threads <= before.threads + kThreadSlack &&
+               after.descriptors <= before.descriptors + kDescriptorSlack &&
+               after.xResources <= before.xResources + kResourceSlack;
       },
       10s));
   std::cout << "before: " << before << "\nafter:  " << after << std::endl;
   RecordProperty("footprint_before", ::testing::PrintToString(before.residentKb));
   RecordProperty("footprint_after", ::testing::PrintToString(after.residentKb));
-  EXPECT_LE(after.threads, before.threads);
-  EXPECT_LE(after.descriptors, before.descriptors);
-  EXPECT_LE(after.xResources, before.xResources);
+  EXPECT_LE(after.threads, before.threads + kThreadSlack);
+  EXPECT_LE(after.descriptors, before.descriptors + kDescriptorSlack);
+  EXPECT_LE(after.xResources, before.xResources + kResourceSlack);
   for (const auto& [key, value] : saved_) EXPECT_EQ(setting(key), value) << key;
   if (!isShown(mirror())) toggleWithShortcut();
   if (isEnlarged()) switchView();

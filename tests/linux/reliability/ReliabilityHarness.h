@@ -41,19 +41,22 @@ class ReliabilityTest : public OrletTest {
   // Enlarges the second display from the grid, or goes back to the grid from the enlarged view.
   void switchView();
   bool isEnlarged();
+  bool secondCardShowsPatch();
   // Both display cards show their patch, within one catalogue refresh.
   bool showsBothDisplays();
   // Paints the second display's patch in each colour in turn, and checks each reaches the mirror
   // (the card, or the enlarged picture) in time.
   void paintSecondPatch(const std::vector<std::uint32_t>& colours);
   void xrandr(const std::string& arguments);
-  // Nothing held more than `before` once settled (threads, descriptors, X resources), every
-  // saved setting still in the file, both displays shown. Prints both footprints.
+  // Nothing held more than `before` once settled (threads, descriptors, X resources, within
+  // what one picture in flight holds), every saved setting still in the file, both displays
+  // shown. Prints both footprints.
   void expectHeldUp(const Footprint& before);
 
   // Set before SetUp: ORLET's command line.
   std::vector<std::string> orletArguments_;
   xcb_window_t secondPatch_ = XCB_NONE;
+  std::uint32_t secondPatchColour_ = kSecondColour;
   // The saved settings as "key", "value" pairs, as they must stay.
   std::vector<std::pair<std::string, std::string>> saved_;
 };

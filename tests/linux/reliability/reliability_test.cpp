@@ -118,7 +118,6 @@ void ReliabilityCase::windowManagerReplaced() {
   }
   ASSERT_TRUE(showsBothDisplays() || (switchView(), showsBothDisplays()));
   ASSERT_TRUE(session_->windowManager("start"));
-  activate(editorWindow_);
 }
 
 // What is drawn on the second display reaches its card and its enlarged picture, again and again.
