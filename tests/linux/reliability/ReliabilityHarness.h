@@ -10,7 +10,7 @@ namespace orlet::x11test {
 
 // The counts of the reliability cases as a share of the full ones (1,000 show/hide cycles, 200
 // unplugs, 100 editor windows, a 10-minute soak): ORLET_RELIABILITY_SCALE, 1 for the full
-// counts; a twentieth unless set.
+// counts; a fiftieth unless set.
 double reliabilityScale();
 int scaled(int fullCount);
 
@@ -53,6 +53,8 @@ class ReliabilityTest : public OrletTest {
   // shown. Prints both footprints.
   void expectHeldUp(const Footprint& before);
 
+  // Set before SetUp: the mirror saved as pinned.
+  bool pinned_ = false;
   // Set before SetUp: ORLET's command line.
   std::vector<std::string> orletArguments_;
   xcb_window_t secondPatch_ = XCB_NONE;

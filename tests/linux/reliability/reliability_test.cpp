@@ -19,12 +19,14 @@ struct Case {
   const char* name;
   const char* sessionOptions;
   void (ReliabilityCase::*run)();
+  bool pinned = false;
 };
 
 class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInterface<Case> {
  protected:
   void SetUp() override {
     sessionOptions_ = GetParam().sessionOptions;
+    pinned_ = GetParam().pinned;
     if (GetParam().run == &ReliabilityCase::soakAtFullMotion) {
       orletArguments_ = {"--stats"};
       // ASan sets freed memory aside to catch late uses of it, which would read as growth here.
@@ -43,63 +45,46 @@ class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInter
   void soakAtFullMotion();
 };
 
-// Each cycle hides and shows the mirror with the shortcut and switches between the grid and the
-// enlarged second display.
+// Each cycle hides and shows the mirror with the shortcut, enlarges the second display and goes
+// back to the grid. (It is hidden from the grid: a mirror shown again in the enlarged view passes
+// through the grid first, which a test cannot tell from a grid that stays.)
 void ReliabilityCase::showAndHide() {
   for (int cycle = 0, cycles = scaled(1000); cycle < cycles && !HasFatalFailure(); ++cycle) {
     toggleWithShortcut();
     toggleWithShortcut();
+    switchView();
     switchView();
   }
 }
 
 // In turn: the second display off and on, its mode changed and back, the main display off and
 // on, its mode changed and back; the first half with the grid shown, the second with the second
-// display enlarged.
+// display enlarged. Each time the whole layout is given back (xrandr would otherwise leave an
+// output where the shrunken screen put it).
 void ReliabilityCase::unplugAndReplug() {
-  const std::string second = "--output DUMMY1 --mode 2560x1440_60 --pos 1920x0";
-  const std::string main = "--output DUMMY0 --mode 1920x1080 --pos 0x0 --primary";
+  const std::string layout =
+      "--output DUMMY0 --mode 1920x1080 --pos 0x0 --primary "
+      "--output DUMMY1 --mode 2560x1440_60 --pos 1920x0";
+  const char* changes[] = {"--output DUMMY1 --off", "--output DUMMY1 --mode 3840x2160_60",
+                           "--output DUMMY0 --off", "--output DUMMY0 --mode 1024x768"};
   for (int cycle = 0, cycles = scaled(200); cycle < cycles && !HasFatalFailure(); ++cycle) {
     if (cycle == cycles / 2) switchView();
-    switch (cycle % 4) {
-      case 0:
-        xrandr("--output DUMMY1 --off");
-        xrandr(second);
-        break;
-      case 1:
-        xrandr("--output DUMMY1 --mode 3840x2160_60 --pos 1920x0");
-        xrandr(second);
-        break;
-      case 2:
-        xrandr("--output DUMMY0 --off");
-        xrandr(main);
-        break;
-      default:
-        xrandr("--output DUMMY0 --mode 1024x768 --pos 0x0");
-        xrandr(main);
-    }
+    xrandr(changes[cycle % 4]);
+    xrandr(layout);
   }
 }
 
 // Another window of the editor's, brought forward and destroyed again 0 to 80 ms later, many
-// times over: first while the mirror waits to be placed, then, pinned, while it is restacked
-// above the editor.
+// times over: while the mirror waits to be placed (the first case), and, pinned, while it is
+// restacked above the editor (the second).
 void ReliabilityCase::editorWindowsComeAndGo() {
-  for (const bool pinned : {false, true}) {
-    if (pinned) {
-      const auto m = rectOf(mirror());
-      click({m.x + m.width - 19, m.y + 19});  // the pin button, top right
-      ASSERT_TRUE(eventually([&] { return setting("secondaryWindowPinned") == "true"; }));
-      saved_[6].second = "true";
-    }
-    const int windows = scaled(50);
-    Process churn(
-        {ORLET_STANDIN_BINARY, "--class", "CaptureOne", "--instance", "captureone", "--title",
-         "Capture One 23", "--geometry", "640x400+400+300", "--churn", std::to_string(windows)},
-        {{"DISPLAY", session_->display()}}, (home_ / "churn.log").string());
-    ASSERT_TRUE(eventually([&] { return churn.output().find("churned") != std::string::npos; },
-                           std::chrono::seconds(20 + windows)));
-  }
+  const int windows = scaled(100);
+  Process churn(
+      {ORLET_STANDIN_BINARY, "--class", "CaptureOne", "--instance", "captureone", "--title",
+       "Capture One 23", "--geometry", "640x400+400+300", "--churn", std::to_string(windows)},
+      {{"DISPLAY", session_->display()}}, (home_ / "churn.log").string());
+  ASSERT_TRUE(eventually([&] { return churn.output().find("churned") != std::string::npos; },
+                         std::chrono::seconds(20 + windows)));
   activate(editorWindow_);
 }
 
@@ -115,8 +100,9 @@ void ReliabilityCase::windowManagerReplaced() {
     toggleWithShortcut();
     toggleWithShortcut();
     switchView();
+    switchView();
   }
-  ASSERT_TRUE(showsBothDisplays() || (switchView(), showsBothDisplays()));
+  ASSERT_TRUE(showsBothDisplays());
   ASSERT_TRUE(session_->windowManager("start"));
 }
 
@@ -190,14 +176,15 @@ TEST_P(ReliabilityCase, HoldsUp) {
 
 INSTANTIATE_TEST_SUITE_P(
     Studio, ReliabilityCase,
-    ::testing::Values(Case{"ShowAndHide", "", &ReliabilityCase::showAndHide},
-                      Case{"UnplugAndReplug", "", &ReliabilityCase::unplugAndReplug},
-                      Case{"EditorWindowsComeAndGo", "", &ReliabilityCase::editorWindowsComeAndGo},
-                      Case{"WindowManagerReplaced", "", &ReliabilityCase::windowManagerReplaced},
-                      Case{"WithoutSharedMemory", "--no-shm",
-                           &ReliabilityCase::cardsFollowTheScreen},
-                      Case{"ThirtyBitDepth", "--depth 30", &ReliabilityCase::cardsFollowTheScreen},
-                      Case{"SoakAtFullMotion", "", &ReliabilityCase::soakAtFullMotion}),
+    ::testing::Values(
+        Case{"ShowAndHide", "", &ReliabilityCase::showAndHide},
+        Case{"UnplugAndReplug", "", &ReliabilityCase::unplugAndReplug},
+        Case{"EditorWindowsComeAndGo", "", &ReliabilityCase::editorWindowsComeAndGo},
+        Case{"EditorWindowsComeAndGoPinned", "", &ReliabilityCase::editorWindowsComeAndGo, true},
+        Case{"WindowManagerReplaced", "", &ReliabilityCase::windowManagerReplaced},
+        Case{"WithoutSharedMemory", "--no-shm", &ReliabilityCase::cardsFollowTheScreen},
+        Case{"ThirtyBitDepth", "--depth 30", &ReliabilityCase::cardsFollowTheScreen},
+        Case{"SoakAtFullMotion", "", &ReliabilityCase::soakAtFullMotion}),
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
