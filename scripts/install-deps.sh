@@ -18,8 +18,10 @@ packages=(
   # updates: the feed's XML, the archives' Ed25519 signatures
   libexpat1-dev libsodium-dev
   # tests; the updater's tests serve HTTPS with a certificate authority of their own (python3,
-  # openssl); the fuzzers (clang)
-  libgtest-dev libgmock-dev python3 openssl clang
+  # openssl); XRes, to read what ORLET holds on the X server in the reliability tests
+  libgtest-dev libgmock-dev python3 openssl libxcb-res0-dev
+  # fuzzing: clang with libFuzzer
+  clang libclang-rt-14-dev
   # packages: dependencies of the .deb (dpkg-shlibdeps), and their checks
   dpkg-dev lintian desktop-file-utils appstream
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,

@@ -3,7 +3,8 @@
 # the logic's unit tests, the formatting check, and the integration tests on a real X server.
 # Then builds the whole tree once more as a packager would, optimised (RelWithDebInfo, benchmarks
 # included), where the compiler's warnings differ, runs the unit tests from that build and builds
-# and checks the packages (scripts/package.sh). Last, the fuzzers run for a bounded time (clang).
+# and checks the packages (scripts/package.sh). Last, the fuzzers (clang, libFuzzer) run for a
+# bounded time over their seed corpora.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,8 +22,8 @@ cmake -S . -B "$build-release" -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build "$build-release" -j"$(nproc)"
 ctest --test-dir "$build-release" --output-on-failure --timeout 600 -L "unit|package"
 
-fuzz="$build-fuzz"
+fuzz=${ORLET_FUZZ_BUILD_DIR:-$build-fuzz}
 CC=clang CXX=clang++ cmake -S . -B "$fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DORLET_FUZZ=ON \
-  -DORLET_BUILD_TESTS=OFF -DORLET_BUILD_BENCH=OFF
+  -DORLET_BUILD_TESTS=OFF -DORLET_BUILD_BENCH=OFF -DORLET_FUZZ_SECONDS="${ORLET_FUZZ_SECONDS:-15}"
 cmake --build "$fuzz" -j"$(nproc)" --target fuzzers
 ctest --test-dir "$fuzz" --output-on-failure -L fuzz

@@ -4,12 +4,17 @@
 # --wm or $ORLET_TEST_WM names another: openbox, xfwm4, metacity, kwin, mutter), and optionally
 # trayer as a system-tray host.
 #
-#   scripts/xsession.sh start :41 [--no-wm] [--wm NAME] [--tray]   # DISPLAY=:41 is then usable
+#   scripts/xsession.sh start :41 [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]
+#                                                   # prints nothing; DISPLAY=:41 is then usable
 #   scripts/xsession.sh tray :41    # starts the tray host on a session started without it
+#   scripts/xsession.sh wm :41 stop|start|replace   # the window manager goes, comes, is replaced
 #   scripts/xsession.sh stop :41
+#
+# --no-shm starts the server without the MIT-SHM extension; --depth 30 gives a 30-bit root
+# window (10 bits a channel).
 set -euo pipefail
 
-usage="usage: xsession.sh start|tray|stop :N [--no-wm] [--wm NAME] [--tray]"
+usage="usage: xsession.sh start|tray|wm|stop :N [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]"
 cmd=${1:?$usage}
 display=${2:?usage: xsession.sh start|stop :N}
 shift 2
@@ -60,13 +65,14 @@ ours_is_up() {
   kill -0 "$pid" && [[ $(lock_owner) == "$pid" ]] && xdpyinfo -display "$display"
 }
 
-# Starts window manager $1 in the background and records its pid. The desktops' own managers
+# Starts window manager $1 in the background (replacing the running one when $2 is "replace")
+# and records its pid. The desktops' own managers
 # want a session bus of their own, and run without compositing where they can: what the tests
 # read off the screen is then what the applications drew.
 start_wm() {
-  local command bus=(dbus-run-session --)
+  local command bus=(dbus-run-session --) replace=${2:-}
   case $1 in
-    openbox) command=(openbox --sm-disable); bus=() ;;
+    openbox) command=(openbox --sm-disable ${replace:+--replace}); bus=() ;;
     xfwm4) command=(xfwm4 --compositor=off) ;;
     metacity) command=(metacity --replace --no-composite --sm-disable) ;;
     kwin) command=(env KWIN_COMPOSE=N QT_QPA_PLATFORM=xcb kwin_x11 --replace) ;;
@@ -85,13 +91,40 @@ start_wm() {
   fi
 }
 
+# The window manager: stopped, started, or replaced by a new one through the WM_S0 selection
+# (ICCCM 2.8), as a user switching window managers does.
+window_manager() {
+  local pidfile=$rundir/wm.pid
+  export DISPLAY=$display
+  case ${1:-} in
+    stop)
+      if [[ -e $pidfile ]]; then
+        local pid; pid=$(cat "$pidfile")
+        kill "$pid" 2>/dev/null || true
+        wait_until 5 bash -c "! kill -0 $pid" || kill -9 "$pid" 2>/dev/null || true
+        rm -f "$pidfile"
+      fi
+      wait_until 5 bash -c "! xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'" || true
+      ;;
+    start|replace)
+      local old=""
+      [[ -e $pidfile ]] && old=$(cat "$pidfile")
+      start_wm "${ORLET_TEST_WM:-openbox}" "$([[ $1 == replace ]] && echo replace)"
+      if [[ -n $old ]]; then wait_until 10 bash -c "! kill -0 $old" || return 1; fi
+      ;;
+    *) echo "usage: xsession.sh wm :N stop|start|replace" >&2; exit 2 ;;
+  esac
+}
+
 start() {
-  local wm=${ORLET_TEST_WM:-openbox} tray=0
+  local wm=${ORLET_TEST_WM:-openbox} tray=0 depth=24 extensions=()
   while (($#)); do
     case $1 in
       --no-wm) wm="" ;;
       --wm) wm=${2:?$usage}; shift ;;
       --tray) tray=1 ;;
+      --no-shm) extensions+=(-extension MIT-SHM) ;;
+      --depth) depth=${2:?--depth needs a number}; shift ;;
       *) echo "xsession.sh: unknown option $1" >&2; exit 2 ;;
     esac
     shift
@@ -118,15 +151,16 @@ Section "Screen"
   Identifier "screen"
   Device "dummy"
   Monitor "monitor"
-  DefaultDepth 24
+  DefaultDepth DEPTH
   SubSection "Display"
-    Depth 24
+    Depth DEPTH
     Virtual 6400 2160
   EndSubSection
 EndSection
 CONF
+  sed -i "s/DEPTH/$depth/" "$rundir/xorg.conf"
   Xorg "$display" -config "$rundir/xorg.conf" -noreset -nolisten tcp -logfile "$rundir/xorg.log" \
-    >"$rundir/xorg.out" 2>&1 &
+    "${extensions[@]}" >"$rundir/xorg.out" 2>&1 &
   echo $! > "$rundir/xorg.pid"
   local up=0 deadline=$((SECONDS + 20))
   while ((SECONDS < deadline)); do
@@ -164,5 +198,6 @@ case $cmd in
   start) start "$@" ;;
   stop) stop ;;
   tray) start_tray ;;
+  wm) window_manager "$@" ;;
   *) echo "$usage" >&2; exit 2 ;;
 esac

@@ -9,6 +9,7 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <string>
 
 #include "app/MainApp.h"
 #include "app/SharedInstance.h"
@@ -29,6 +30,7 @@
 #include "linux/update/InstallLocation.h"
 #include "linux/update/LinuxUpdates.h"
 #include "linux/x11/DisplayProbe.h"
+#include "linux/x11/InstanceLock.h"
 #include "linux/x11/X11CursorSource.h"
 #include "linux/x11/X11KeyboardHook.h"
 #include "linux/x11/X11SyntheticInput.h"
@@ -106,7 +108,7 @@ struct Adapters {
   linux_qt::XcbEventFilter filter{events};
   linux_qt::QtScheduler scheduler;
   NotificationCenter notifications;
-  linux_qt::QSettingsStore settings;
+  linux_qt::QSettingsStore settings{std::cerr};
   MemoryDefaultsStore fallbackStore;
   UserDefaults defaults{settings.isUsable() ? static_cast<DefaultsStore&>(settings)
                                             : fallbackStore};
@@ -167,10 +169,22 @@ struct Controllers {
   Controllers& operator=(const Controllers&) = delete;
 };
 
+// A second ORLET on the same screen would show a second button and mirror and write the same
+// settings file: it leaves the screen to the one already there.
+std::string alreadyRunning(const x11::InstanceLock::Holder& holder) {
+  const char* display = std::getenv("DISPLAY");
+  std::string text = "ORLET is already running on display " + std::string(display ? display : "");
+  if (holder.pid) text += " (process " + std::to_string(*holder.pid) + ")";
+  return text + "; this one quits";
+}
+
 int run(QApplication& qt, int screen, const Options& options) {
   auto* native = qt.nativeInterface<QNativeInterface::QX11Application>();
   auto x = native ? x11::XConnection::borrow(native->connection(), screen) : nullptr;
   if (!x) return fail("no X display (the X connection cannot be used)");
+  x11::InstanceLock::Holder holder;
+  const auto instance = x11::InstanceLock::acquire(*x, &holder);
+  if (!instance) return fail(alreadyRunning(holder));
   Adapters adapters(std::move(x));
   qt.installNativeEventFilter(&adapters.filter);
   const auto isWindowVisible = [] { return WindowController::shared().isWindowVisible(); };

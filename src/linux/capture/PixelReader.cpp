@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "linux/capture/TenBitPixels.h"
+
 namespace orlet::linux_capture {
 namespace {
 
@@ -18,7 +20,9 @@ std::int64_t totalArea(const std::vector<PixelRect>& rects) {
 }  // namespace
 
 PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory)
-    : connection_(connection), useShm_(useSharedMemory) {}
+    : connection_(connection),
+      useShm_(useSharedMemory),
+      tenBitChannels_(connection.screen().root_depth == 30) {}
 
 PixelReader::~PixelReader() = default;
 
@@ -37,7 +41,8 @@ bool PixelReader::configure(const PixelRect& area, int width, int height, std::s
     if (!scratch_) return false;
   }
   if (reduced) {
-    reducing_ = std::make_unique<ReducingReader>(connection_, scratch_.get(), area, width, height);
+    reducing_ = std::make_unique<ReducingReader>(connection_, scratch_.get(), area, width, height,
+                                                 tenBitChannels_);
     return true;
   }
   pool_ = std::make_unique<FramePool>(area.width, area.height, poolCapacity,
@@ -82,7 +87,9 @@ bool PixelReader::readShm(Frame& frame, const std::vector<PixelRect>& changed, s
   const PixelRect band{0, bounds.y, area_.width, bounds.height};
   // A large change is read as whole rows straight into the frame (no copy on our side); a
   // small one rectangle by rectangle into scratch memory, then copied: fewer bytes overall.
-  if (frameMemory_.count(frame.pixels()) && band.area() <= 2 * totalArea(changed)) {
+  // Ten-bit pixels are converted as they are copied: never read straight into the frame.
+  if (!tenBitChannels_ && frameMemory_.count(frame.pixels()) &&
+      band.area() <= 2 * totalArea(changed)) {
     return readBand(frame, band, error);
   }
   return readRects(frame, changed, error);
@@ -167,6 +174,13 @@ bool PixelReader::readPlain(Frame& frame, const std::vector<PixelRect>& changed,
 void PixelReader::copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const {
   const std::size_t bytes = std::size_t(rect.width) * Frame::bytesPerPixel;
   const std::size_t offset = std::size_t(rect.x) * Frame::bytesPerPixel;
+  if (tenBitChannels_) {
+    for (int y = 0; y < rect.height; ++y) {
+      narrowTenBitRow(source + bytes * std::size_t(y), frame.mutableRow(rect.y + y) + offset,
+                      rect.width);
+    }
+    return;
+  }
   for (int y = 0; y < rect.height; ++y) {
     std::memcpy(frame.mutableRow(rect.y + y) + offset, source + bytes * std::size_t(y), bytes);
   }

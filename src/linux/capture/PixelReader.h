@@ -15,8 +15,9 @@ namespace orlet::linux_capture {
 
 // Reads an area of the root window into frames, only the parts that changed: with MIT-SHM when
 // the server offers it, else with plain GetImage. Plain root reads never contain the pointer
-// (the server removes a software cursor before reading). Pictures come at the area's own size,
-// or reduced to a smaller one (see ReducingReader). Used by one capture thread.
+// (the server removes a software cursor before reading). Frames hold 8-bit BGRX whatever the
+// root window's depth (24, 32, or 30 with ten bits a channel), at the area's own size or reduced
+// to a smaller one (see ReducingReader). Used by one capture thread.
 class PixelReader {
  public:
   using Result = ReadResult;
@@ -45,6 +46,8 @@ class PixelReader {
 
   const XcbConnection& connection_;
   bool useShm_;
+  // A 30-bit root window (x2r10g10b10): read, then narrowed to eight bits a channel.
+  bool tenBitChannels_;
   PixelRect area_;
   std::unique_ptr<FramePool> pool_;
   std::unique_ptr<ReducingReader> reducing_;

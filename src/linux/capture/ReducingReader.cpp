@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "capture/PixelRect.h"
+#include "linux/capture/TenBitPixels.h"
 
 namespace orlet::linux_capture {
 namespace {
@@ -17,9 +18,10 @@ std::size_t bytes(const PixelRect& r) {
 }  // namespace
 
 ReducingReader::ReducingReader(const XcbConnection& connection, SharedMemory* scratch,
-                               const PixelRect& area, int width, int height)
+                               const PixelRect& area, int width, int height, bool tenBitChannels)
     : connection_(connection),
       scratch_(scratch),
+      tenBitChannels_(tenBitChannels),
       area_(area),
       reducer_(area.width, area.height, width, height),
       averaged_(Frame::allocate(reducer_.averagedWidth(), reducer_.averagedHeight())),
@@ -137,7 +139,14 @@ bool ReducingReader::readPlain(const std::vector<PixelRect>& batch, std::string&
   return ok;
 }
 
-void ReducingReader::average(const PixelRect& piece, const std::uint8_t* pixels) {
+void ReducingReader::average(const PixelRect& piece, std::uint8_t* pixels) {
+  if (tenBitChannels_) {
+    const std::size_t rowBytes = std::size_t(piece.width) * Frame::bytesPerPixel;
+    for (int y = 0; y < piece.height; ++y) {
+      std::uint8_t* row = pixels + rowBytes * std::size_t(y);
+      narrowTenBitRow(row, row, piece.width);
+    }
+  }
   reducer_.average(pixels, std::size_t(piece.width) * Frame::bytesPerPixel, piece, *averaged_);
 }
 

@@ -24,9 +24,10 @@ class ReducingReader {
   // with MIT-SHM): a full-screen change is read in a few round trips, never held whole.
   static constexpr std::size_t readBudget = std::size_t(4) << 20;
 
-  // `scratch` (null without MIT-SHM) must outlive the reader.
+  // `scratch` (null without MIT-SHM) must outlive the reader. `tenBitChannels`: the root window
+  // holds x2r10g10b10 pixels, narrowed to eight bits a channel before they are averaged.
   ReducingReader(const XcbConnection& connection, SharedMemory* scratch, const PixelRect& area,
-                 int width, int height);
+                 int width, int height, bool tenBitChannels = false);
 
   // The next picture: the previous one with what `changed` (area coordinates) affects reduced
   // anew from fresh pixels; the frame's changes are in picture coordinates.
@@ -37,10 +38,11 @@ class ReducingReader {
   bool readBlocks(const std::vector<PixelRect>& blocks, std::string& error);
   bool readShared(const std::vector<PixelRect>& batch, std::string& error);
   bool readPlain(const std::vector<PixelRect>& batch, std::string& error);
-  void average(const PixelRect& piece, const std::uint8_t* pixels);
+  void average(const PixelRect& piece, std::uint8_t* pixels);
 
   const XcbConnection& connection_;
   SharedMemory* scratch_;
+  bool tenBitChannels_;
   PixelRect area_;
   PictureReducer reducer_;
   std::shared_ptr<Frame> averaged_;

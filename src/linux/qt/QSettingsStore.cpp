@@ -2,10 +2,15 @@
 
 namespace orlet::linux_qt {
 
-QSettingsStore::QSettingsStore(const QString& path)
-    : settings_(path.isEmpty() ? std::make_unique<QSettings>(QSettings::IniFormat,
+QSettingsStore::QSettingsStore(std::ostream& diagnostics, const QString& path)
+    : diagnostics_(diagnostics),
+      settings_(path.isEmpty() ? std::make_unique<QSettings>(QSettings::IniFormat,
                                                              QSettings::UserScope, "orlet", "orlet")
-                               : std::make_unique<QSettings>(path, QSettings::IniFormat)) {}
+                               : std::make_unique<QSettings>(path, QSettings::IniFormat)) {
+  // QSettings' default, made explicit: without it a read-only folder makes QSettings overwrite
+  // the file in place, where a crash halfway leaves half a file.
+  settings_->setAtomicSyncRequired(true);
+}
 
 std::optional<DefaultsValue> QSettingsStore::value(const std::string& key) const {
   const QVariant v = settings_->value(QString::fromStdString(key));
@@ -45,12 +50,45 @@ void QSettingsStore::setValue(const std::string& key, const DefaultsValue& value
       },
       value);
   // Written at once: nothing is saved at quit, and the process may be killed.
-  settings_->sync();
+  write();
 }
 
 void QSettingsStore::removeValue(const std::string& key) {
   settings_->remove(QString::fromStdString(key));
+  write();
+}
+
+// QSettings keeps its first error for good, and a failed sync keeps the changes in memory: after a
+// failure, each write tries the whole set again through a fresh QSettings on the same file, which
+// takes over once it has written.
+void QSettingsStore::write() {
   settings_->sync();
+  bool failed = settings_->status() != QSettings::NoError;
+  if (failed && writeFailed_) {
+    auto fresh = std::make_unique<QSettings>(settings_->fileName(), QSettings::IniFormat);
+    fresh->setAtomicSyncRequired(true);
+    for (const auto& key : fresh->allKeys()) {
+      if (!settings_->contains(key)) fresh->remove(key);
+    }
+    for (const auto& key : settings_->allKeys()) fresh->setValue(key, settings_->value(key));
+    fresh->sync();
+    failed = fresh->status() != QSettings::NoError;
+    if (!failed) settings_ = std::move(fresh);
+  }
+  report(failed);
+}
+
+void QSettingsStore::report(bool failed) {
+  if (failed == writeFailed_) return;
+  writeFailed_ = failed;
+  const std::string file = fileName().toStdString();
+  if (failed) {
+    diagnostics_ << "orlet: the settings cannot be saved to " << file
+                 << " (it or its folder cannot be written); the saved ones are kept as they were"
+                 << std::endl;
+  } else {
+    diagnostics_ << "orlet: the settings are saved to " << file << " again" << std::endl;
+  }
 }
 
 bool QSettingsStore::isUsable() const {

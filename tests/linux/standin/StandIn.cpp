@@ -3,9 +3,12 @@
 //
 //   orlet_standin --class CaptureOne --title "Capture One 23" --geometry 800x600+100+100
 //                 [--palette 40x40+950+100] [--viewer 1200x600+2000+100] [--color 336699]
+//                 [--churn 100]
 //
 // The viewer is a third window whose pointer is a crosshair, where the others show the
-// desktop's pointer.
+// desktop's pointer. With --churn, once its windows exist, it opens that many more windows one
+// after another, each brought forward and destroyed again after 0 to 80 ms, as an application
+// opening and closing dialogs does; then it reports how many.
 //
 // stdout, one line each, flushed at once:
 //   window <main window id> <palette id or 0x0> <viewer id or 0x0>   once the windows exist
@@ -13,6 +16,7 @@
 //   release <button> <root x> <root y> <window id> <monotonic clock, microseconds>
 //   key <keysym, hex>       a key pressed
 //   keyup <keysym, hex>     a key released
+//   churned <count>         the churn is over
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
@@ -34,6 +38,7 @@ struct Options {
   std::string palette;  // a second, small window of the same application
   std::string viewer;   // a third one, with a crosshair pointer
   std::uint32_t color = 0x506070;
+  int churn = 0;
 };
 
 struct Geometry {
@@ -57,6 +62,7 @@ Options parse(int argc, char** argv) {
     if (key == "--geometry") o.geometry = value;
     if (key == "--palette") o.palette = value;
     if (key == "--viewer") o.viewer = value;
+    if (key == "--churn") o.churn = std::atoi(value.c_str());
     if (key == "--color")
       o.color = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
   }
@@ -147,6 +153,31 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
 
 }  // namespace
 
+// Asks the window manager to activate `w` as a pager would (source 2), which it does at once.
+void bringForward(xcb_ewmh_connection_t& ewmh, int screen, xcb_window_t w) {
+  xcb_ewmh_request_change_active_window(&ewmh, screen, w, XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
+                                        XCB_CURRENT_TIME, XCB_NONE);
+}
+
+void churn(xcb_connection_t* c, xcb_ewmh_connection_t& ewmh, int screenNumber, const Options& o,
+           xcb_window_t main) {
+  const Geometry g = parseGeometry(o.geometry);
+  const std::string geometry = std::to_string(g.width) + "x" + std::to_string(g.height) + "+" +
+                               std::to_string(g.x + 30) + "+" + std::to_string(g.y + 30);
+  for (int i = 0; i < o.churn; ++i) {
+    const xcb_window_t w = open(c, ewmh, ewmh.screens[screenNumber], o, geometry);
+    bringForward(ewmh, screenNumber, w);
+    xcb_flush(c);
+    const timespec pause{0, (i % 9) * 10'000'000L};
+    nanosleep(&pause, nullptr);
+    xcb_destroy_window(c, w);
+    xcb_flush(c);
+  }
+  bringForward(ewmh, screenNumber, main);
+  std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));  // all handled
+  report("churned %d", o.churn);
+}
+
 int main(int argc, char** argv) {
   const Options options = parse(argc, argv);
   int screenNumber = 0;
@@ -166,6 +197,7 @@ int main(int argc, char** argv) {
                                   : open(c, ewmh, screen, options, options.viewer, crosshair(c));
   xcb_flush(c);
   report("window 0x%x 0x%x 0x%x", main, palette, viewer);
+  if (options.churn > 0) churn(c, ewmh, screenNumber, options, main);
   xcb_key_symbols_t* keys = xcb_key_symbols_alloc(c);
   run(c, keys);
   return 0;

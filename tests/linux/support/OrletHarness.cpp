@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace orlet::x11test {
 namespace fs = std::filesystem;
@@ -36,7 +37,7 @@ Rect enlargedOnScreen(const WindowRect& m) {
 }
 
 void OrletTest::SetUp() {
-  session_ = std::make_unique<XSession>(sessionHasTray_);
+  session_ = std::make_unique<XSession>(sessionOptions_, sessionHasTray_);
   x_ = std::make_unique<XProbe>(session_->display());
   std::string pattern = (fs::temp_directory_path() / "orlet-x11-home-XXXXXX").string();
   ASSERT_NE(mkdtemp(pattern.data()), nullptr);
@@ -101,7 +102,13 @@ std::unique_ptr<Process> OrletTest::startStandIn(const std::string& name,
 
 // A fresh configuration and data home; no D-Bus session, so the tray is trayer's XEmbed one.
 void OrletTest::startOrlet(const std::vector<std::string>& arguments) {
-  const std::map<std::string, std::string> environment{
+  orlet_.reset();  // one ORLET a session: a second would leave at once
+  orlet_ = launchOrlet(arguments);
+  ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
+}
+
+std::unique_ptr<Process> OrletTest::launchOrlet(const std::vector<std::string>& arguments) {
+  std::map<std::string, std::string> environment{
       {"DISPLAY", session_->display()},
       {"HOME", home_.string()},
       {"XDG_CONFIG_HOME", (home_ / "config").string()},
@@ -110,11 +117,11 @@ void OrletTest::startOrlet(const std::vector<std::string>& arguments) {
       {"DBUS_SESSION_BUS_ADDRESS", ""},
       {"WAYLAND_DISPLAY", ""},
   };
+  for (const auto& [name, value] : orletEnvironment_) environment[name] = value;
   const auto log = home_ / ("orlet-" + std::to_string(++orletRuns_) + ".log");
   std::vector<std::string> argv{ORLET_BINARY};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
-  orlet_ = std::make_unique<Process>(argv, environment, log);
-  ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
+  return std::make_unique<Process>(argv, environment, log);
 }
 
 std::optional<int> OrletTest::quitThroughMenu() {
@@ -200,9 +207,16 @@ bool OrletTest::editorReceivesKey(const std::string& name, const std::string& ke
   return eventually([&] { return editor_->output().find("key " + keysym) != std::string::npos; });
 }
 
+std::string OrletTest::settingsText() const {
+  std::ifstream in(settingsFile());
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
 // Keys without a group sit in QSettings' [General] section.
 std::optional<std::string> OrletTest::setting(const std::string& key) const {
-  std::ifstream in(home_ / "config" / "orlet" / "orlet.ini");
+  std::ifstream in(settingsFile());
   std::string line;
   while (std::getline(in, line)) {
     if (line.rfind(key + "=", 0) == 0) return line.substr(key.size() + 1);
@@ -215,8 +229,8 @@ std::optional<std::string> OrletTest::setting(const std::string& key) const {
 namespace orlet::x11test {
 
 void OrletTest::presetSettings(const std::string& lines) {
-  fs::create_directories(home_ / "config" / "orlet");
-  std::ofstream(home_ / "config" / "orlet" / "orlet.ini") << "[General]\n" << lines;
+  fs::create_directories(settingsFile().parent_path());
+  std::ofstream(settingsFile()) << "[General]\n" << lines;
 }
 
 xcb_window_t OrletTest::openSettings() {

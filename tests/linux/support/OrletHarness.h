@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,6 +46,8 @@ class OrletTest : public ::testing::Test {
 
   // Starts ORLET with `arguments` and waits for its floating button.
   void startOrlet(const std::vector<std::string>& arguments = {});
+  // Starts one more ORLET as startOrlet does, without waiting for anything.
+  std::unique_ptr<Process> launchOrlet(const std::vector<std::string>& arguments = {});
   // Quits ORLET through "Quitter" in its status menu; its exit status.
   std::optional<int> quitThroughMenu();
 
@@ -66,6 +69,9 @@ class OrletTest : public ::testing::Test {
   bool editorReceivesKey(const std::string& name, const std::string& keysym);
 
   std::optional<std::string> setting(const std::string& key) const;
+  std::filesystem::path settingsFile() const { return home_ / "config" / "orlet" / "orlet.ini"; }
+  // The whole configuration file as it is on disk now.
+  std::string settingsText() const;
   // Writes settings before ORLET starts, as "key=value" lines of its configuration file.
   void presetSettings(const std::string& lines);
 
@@ -81,6 +87,10 @@ class OrletTest : public ::testing::Test {
   std::filesystem::path home_;
   std::unique_ptr<Process> editor_, other_, orlet_;
   xcb_window_t editorWindow_ = XCB_NONE, paletteWindow_ = XCB_NONE, otherWindow_ = XCB_NONE;
+  // More environment for ORLET, over the fresh one startOrlet gives it.
+  std::map<std::string, std::string> orletEnvironment_;
+  // Set before SetUp: more options of the X session ("--no-shm", "--depth 30").
+  std::string sessionOptions_;
   // Set before SetUp: the editor also opens its crosshair viewer window there (WxH+X+Y).
   std::string editorViewerGeometry_;
   xcb_window_t viewerWindow_ = XCB_NONE;

@@ -95,7 +95,7 @@ int xsession(const std::string& arguments, const std::string& runDirectory) {
 // lock alone, so a lost race only moves on to the next. The pool is the first eight of the ten
 // displays from ORLET_TEST_DISPLAY_FIRST (as configured, or as set now), so that runs from
 // several checkouts on one machine never meet.
-XSession::XSession(bool tray) {
+XSession::XSession(const std::string& options, bool tray) {
   const char* first = std::getenv("ORLET_TEST_DISPLAY_FIRST");
   const int base = first && *first ? std::atoi(first) : ORLET_TEST_DISPLAY_FIRST;
   for (int number = base; number < base + 8; ++number) {
@@ -103,7 +103,9 @@ XSession::XSession(bool tray) {
     display_ = ":" + std::to_string(number);
     runDirectory_ =
         "/tmp/orlet-x11-test-" + std::to_string(number) + "-" + std::to_string(getpid());
-    if (xsession("start " + display_ + (tray ? " --tray" : ""), runDirectory_) == 0) return;
+    if (xsession("start " + display_ + (tray ? " --tray " : " ") + options, runDirectory_) == 0) {
+      return;
+    }
     xsession("stop " + display_, runDirectory_);
   }
   throw std::runtime_error("no X session could be started on :" + std::to_string(base) +
@@ -112,6 +114,10 @@ XSession::XSession(bool tray) {
 
 bool XSession::startTray() {
   return xsession("tray " + display_, runDirectory_) == 0;
+}
+
+bool XSession::windowManager(const std::string& action) {
+  return xsession("wm " + display_ + " " + action, runDirectory_) == 0;
 }
 
 XSession::~XSession() {

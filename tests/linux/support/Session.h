@@ -45,7 +45,8 @@ class Process {
 // :50 to :59 (or the ten from ORLET_TEST_DISPLAY_FIRST), stopped again when destroyed.
 class XSession {
  public:
-  explicit XSession(bool tray = true);
+  // `options`: more of the session script's start options ("--no-shm", "--depth 30").
+  explicit XSession(const std::string& options = {}, bool tray = true);
   XSession(const XSession&) = delete;
   XSession& operator=(const XSession&) = delete;
   ~XSession();
@@ -53,6 +54,9 @@ class XSession {
   const std::string& display() const { return display_; }
   // Starts the tray host now, on a session started without it.
   bool startTray();
+  // The window manager goes ("stop"), comes ("start") or is replaced by a new one ("replace");
+  // false when the script fails.
+  bool windowManager(const std::string& action);
 
  private:
   std::string display_;

@@ -1,5 +1,6 @@
 #include "XProbe.h"
 
+#include <xcb/res.h>
 #include <xcb/xcb_keysyms.h>
 
 #include <algorithm>
@@ -165,7 +166,7 @@ std::optional<pid_t> XProbe::pidOf(xcb_window_t window) {
 
 xcb_window_t XProbe::paint(const WindowRect& r, std::uint32_t rgb) {
   const xcb_window_t id = xcb_generate_id(c_);
-  const std::uint32_t values[] = {rgb, 1};
+  const std::uint32_t values[] = {toPixel(rgb), 1};
   xcb_create_window(c_, XCB_COPY_FROM_PARENT, id, screen_->root, std::int16_t(r.x),
                     std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), 0,
                     XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
@@ -179,7 +180,8 @@ xcb_window_t XProbe::paint(const WindowRect& r, std::uint32_t rgb) {
 
 void XProbe::fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb) {
   const xcb_gcontext_t gc = xcb_generate_id(c_);
-  xcb_create_gc(c_, gc, window, XCB_GC_FOREGROUND, &rgb);
+  const std::uint32_t pixel = toPixel(rgb);
+  xcb_create_gc(c_, gc, window, XCB_GC_FOREGROUND, &pixel);
   const xcb_rectangle_t rect{std::int16_t(r.x), std::int16_t(r.y), std::uint16_t(r.width),
                              std::uint16_t(r.height)};
   xcb_poly_fill_rectangle(c_, window, gc, 1, &rect);
@@ -196,8 +198,21 @@ std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r) {
       nullptr));
   if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * 4)) return result;
   const auto* data = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get()));
-  for (std::size_t i = 0; i < result.size(); ++i) result[i] = data[i] & 0xFFFFFF;
+  for (std::size_t i = 0; i < result.size(); ++i) result[i] = fromPixel(data[i]);
   return result;
+}
+
+// A 30-bit root keeps ten bits a channel (2:10:10:10); every other depth here is 8:8:8.
+std::uint32_t XProbe::toPixel(std::uint32_t rgb) const {
+  if (screen_->root_depth != 30) return rgb;
+  const auto widen = [&](int shift) { return ((rgb >> shift) & 0xFF) * 1023 / 255; };
+  return widen(16) << 20 | widen(8) << 10 | widen(0);
+}
+
+std::uint32_t XProbe::fromPixel(std::uint32_t pixel) const {
+  if (screen_->root_depth != 30) return pixel & 0xFFFFFF;
+  const auto narrow = [&](int shift) { return ((pixel >> shift) & 0x3FF) * 255 / 1023; };
+  return narrow(20) << 16 | narrow(10) << 8 | narrow(0);
 }
 
 xcb_randr_output_t XProbe::output(const std::string& name) {
@@ -264,6 +279,35 @@ bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
   std::free(codes);
   xcb_key_symbols_free(symbols);
   return grabbed;
+}
+
+XProbe::ClientResources XProbe::clientResources(pid_t pid) {
+  ClientResources total;
+  xcb_res_client_id_spec_t all{XCB_NONE, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const Reply<xcb_res_query_client_ids_reply_t> ids(
+      xcb_res_query_client_ids_reply(c_, xcb_res_query_client_ids(c_, 1, &all), nullptr));
+  if (!ids) return total;
+  for (auto it = xcb_res_query_client_ids_ids_iterator(ids.get()); it.rem;
+       xcb_res_client_id_value_next(&it)) {
+    if (it.data->length < 4 || *xcb_res_client_id_value_value(it.data) != std::uint32_t(pid)) {
+      continue;
+    }
+    const auto client = it.data->spec.client;
+    const Reply<xcb_res_query_client_resources_reply_t> resources(
+        xcb_res_query_client_resources_reply(c_, xcb_res_query_client_resources(c_, client),
+                                             nullptr));
+    if (resources) {
+      const auto* types = xcb_res_query_client_resources_types(resources.get());
+      for (int i = 0; i < xcb_res_query_client_resources_types_length(resources.get()); ++i) {
+        total.count += types[i].count;
+      }
+    }
+    const Reply<xcb_res_query_client_pixmap_bytes_reply_t> pixmaps(
+        xcb_res_query_client_pixmap_bytes_reply(c_, xcb_res_query_client_pixmap_bytes(c_, client),
+                                                nullptr));
+    if (pixmaps) total.pixmapBytes += pixmaps->bytes;
+  }
+  return total;
 }
 
 }  // namespace orlet::x11test

@@ -70,6 +70,14 @@ class XProbe {
   // program's global shortcut would; false when the server refuses.
   bool grabKey(std::uint32_t keysym, std::uint16_t modifiers);
 
+  // What the X clients of process `pid` own on the server (XRes): how many resources, and the
+  // bytes of their pixmaps; zeros when it has no client or the server lacks the extension.
+  struct ClientResources {
+    long count = 0;
+    long pixmapBytes = 0;
+  };
+  ClientResources clientResources(pid_t pid);
+
   // The RandR output named `name` (a connector such as DUMMY1), XCB_NONE if there is none.
   xcb_randr_output_t output(const std::string& name);
   // Replaces (or creates) a byte-array output property; throws when the server refuses.
@@ -77,6 +85,9 @@ class XProbe {
                       const std::vector<std::uint8_t>& bytes);
 
  private:
+  // The root visual's pixel value of a colour, and back.
+  std::uint32_t toPixel(std::uint32_t rgb) const;
+  std::uint32_t fromPixel(std::uint32_t pixel) const;
   std::vector<xcb_window_t> children(xcb_window_t parent);
   std::vector<std::uint32_t> property(xcb_window_t window, xcb_atom_t name);
   xcb_atom_t atom(const std::string& name);
