@@ -22,6 +22,11 @@ struct Case {
   bool pinned = false;
 };
 
+// ctest prints the parameter of each case: its name, not its bytes.
+void PrintTo(const Case& c, std::ostream* os) {
+  *os << c.name;
+}
+
 class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInterface<Case> {
  protected:
   void SetUp() override {
