@@ -289,10 +289,9 @@ XProbe::ClientResources XProbe::clientResources(pid_t pid) {
   if (!ids) return total;
   for (auto it = xcb_res_query_client_ids_ids_iterator(ids.get()); it.rem;
        xcb_res_client_id_value_next(&it)) {
-    if (it.data->length < 4 || *xcb_res_client_id_value_value(it.data) != std::uint32_t(pid)) {
-      continue;
-    }
-    const auto client = it.data->spec.client;
+    const auto& [id, length] = *it.data;
+    if (length < 4 || *xcb_res_client_id_value_value(it.data) != std::uint32_t(pid)) continue;
+    const auto client = id.client;
     const Reply<xcb_res_query_client_resources_reply_t> resources(
         xcb_res_query_client_resources_reply(c_, xcb_res_query_client_resources(c_, client),
                                              nullptr));
