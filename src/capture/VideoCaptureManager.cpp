@@ -58,20 +58,26 @@ void VideoCaptureManager::startCapture(const Display& display, std::int64_t fps)
   stream_ = service_.makeStream(display, configuration);
   stream_->setDidStopWithError(
       lifetime_.guard([this, ended = stream_.get()](CaptureError) { lose(ended); }));
+  latest_ = nullptr;
   // Attaching and starting run one turn later, so a stop in this turn cancels them.
-  scheduler_.async(lifetime_.guard([this] { attachAndStart(); }));
+  scheduler_.async(lifetime_.guard(
+      [this, stream = stream_, output = output_] { attachAndStart(stream, output); }));
 }
 
-void VideoCaptureManager::attachAndStart() {
-  if (!output_ || !stream_) return;
+// The stream and output are those of the start that scheduled this: an older stop completing in
+// between clears `output_`, yet this stream must still start.
+void VideoCaptureManager::attachAndStart(const std::shared_ptr<CaptureStream>& stream,
+                                         const std::shared_ptr<StreamOutput>& output) {
+  if (stream != stream_) return;  // a stop came first
   // Failures leave the view on its loading state; nothing to report.
-  (void)stream_->addStreamOutput(output_, StreamOutputType::screen);
-  stream_->startCapture([](std::optional<CaptureError>) {});
+  (void)stream->addStreamOutput(output, StreamOutputType::screen);
+  stream->startCapture([](std::optional<CaptureError>) {});
 }
 
 void VideoCaptureManager::convert(const SampleBuffer& sample) {
   if (!sample.imageBuffer) return;
   scheduler_.async(lifetime_.guard([this, frame = sample.imageBuffer] {
+    latest_ = frame;
     currentFrame.set(frame);
     setLost(false);
   }));
@@ -91,18 +97,26 @@ void VideoCaptureManager::setLost(bool lost) {
 
 void VideoCaptureManager::stopCapture() {
   if (!stream_) {
-    if (!streamLost.get()) return;
-    output_ = nullptr;
-    currentFrame.set(nullptr);
-    setLost(false);
+    if (streamLost.get()) clearAfterStop();
     return;
   }
   auto stream = std::move(stream_);
   stream_ = nullptr;
-  stream->stopCapture(lifetime_.guard([this](std::optional<CaptureError>) {
-    output_ = nullptr;
-    currentFrame.set(nullptr);
-    setLost(false);
+  stream->stopCapture(lifetime_.guard([this](std::optional<CaptureError>) { clearAfterStop(); }));
+}
+
+void VideoCaptureManager::clearAfterStop() {
+  output_ = nullptr;
+  currentFrame.set(nullptr);
+  setLost(false);
+  if (!stream_) {
+    latest_ = nullptr;
+    return;
+  }
+  // A capture started since: its pictures come only when its display changes, so its latest
+  // one is shown again rather than none until the next change.
+  scheduler_.async(lifetime_.guard([this, frame = latest_] {
+    if (stream_ && frame && latest_ == frame) currentFrame.set(frame);
   }));
 }
 

@@ -30,8 +30,9 @@ class VideoCaptureManager {
   void startCapture(const Display& display, std::int64_t fps = 30);
 
   // Stops capturing; returns at once. When the stop completes, the output and currentFrame are
-  // cleared, even if a new capture has started meanwhile (the new stream keeps its own output,
-  // so its next frame fills currentFrame again).
+  // cleared, even if a new capture has started meanwhile: the new stream keeps its own output,
+  // and its latest picture fills currentFrame again one turn later, so a display that stays
+  // still is not left without a picture.
   void stopCapture();
 
   // Asks for pictures of `width` × `height` pixels, the size they are shown at: the capture then
@@ -49,7 +50,9 @@ class VideoCaptureManager {
                                               int height);
 
  private:
-  void attachAndStart();
+  void attachAndStart(const std::shared_ptr<CaptureStream>& stream,
+                      const std::shared_ptr<StreamOutput>& output);
+  void clearAfterStop();
   void convert(const SampleBuffer& sample);
   void lose(const CaptureStream* ended);
   void setLost(bool lost);
@@ -58,6 +61,7 @@ class VideoCaptureManager {
   CaptureService& service_;
   std::shared_ptr<CaptureStream> stream_;
   std::shared_ptr<StreamOutput> output_;
+  FrameRef latest_;  // the newest picture of the stream held, whether or not it is shown
   Display display_;  // the display of the stream held
   std::int64_t fps_ = 30;
   int pictureWidth_ = 0;

@@ -53,6 +53,7 @@ class Grabber {
   std::optional<CaptureError> setUp();
   std::optional<CaptureError> run();
   bool announced() const { return announced_; }
+  bool displayMissing() const { return displayMissing_; }
 
  private:
   std::optional<std::string> checkPixelFormat() const;
@@ -79,7 +80,8 @@ class Grabber {
   bool monitorsChanged_ = false;
   std::vector<PixelRect> carried_;  // changes reported (global) or left unread (area-relative)
   int failedReads_ = 0;
-  bool announced_ = false;  // the start was reported
+  bool announced_ = false;       // the start was reported
+  bool displayMissing_ = false;  // the display was not among the monitors when last looked for
   Clock::duration interval_;
   Clock::time_point nextDeadline_ = Clock::now();
   std::uint64_t pictureSize_ = 0;  // the size the reader delivers (PictureSize::packed)
@@ -178,6 +180,7 @@ std::optional<std::string> Grabber::locate(bool initial) {
     }
     return std::nullopt;
   }
+  displayMissing_ = true;
   return initial ? "no such display" : "the display went away";
 }
 
@@ -309,14 +312,17 @@ std::optional<CaptureError> Grabber::run() {
 
 void runGrabber(const GrabberSettings& settings, const GrabberEvents& events) {
   Grabber grabber(settings, events);
-  if (auto error = grabber.setUp()) {
-    events.started(error);
-    events.ended(error);
-    return;
-  }
-  auto end = grabber.run();
+  auto end = grabber.setUp();
+  if (!end) end = grabber.run();
   if (!grabber.announced()) {
-    events.started(end ? end : CaptureError{"stopped before it started"});
+    // A display missing at the start, or gone before its first picture (a cable unplugged again
+    // at once), ends a capture that did start: the stream reports the loss, and its display is
+    // captured again once it returns. Any other failure is a failed start.
+    if (end && grabber.displayMissing()) {
+      events.started(std::nullopt);
+    } else {
+      events.started(end ? end : CaptureError{"stopped before it started"});
+    }
   }
   events.ended(end);
 }

@@ -182,6 +182,14 @@ TEST_F(X11CaptureTest, SwitchingADisplayOffEndsItsStreamAndTheNextRefreshDropsIt
   ASSERT_EQ(displays.displays->size(), 1u);
   EXPECT_EQ(displays.displays->at(0).displayID, primary.displayID);
 
+  // Started while its display is still off (listed a moment before, unplugged again since), a
+  // stream reports the loss as well, so that its owner looks for the display's return.
+  auto late = service->makeStream(secondary, VideoCaptureManager::configurationFor(secondary, 30));
+  std::optional<CaptureError> lateEnd;
+  late->setDidStopWithError([&](CaptureError error) { lateEnd = error; });
+  late->startCapture([](std::optional<CaptureError>) {});
+  ASSERT_TRUE(scheduler.pumpUntil([&] { return lateEnd.has_value(); }, patience));
+
   ASSERT_EQ(shell("xrandr --output DUMMY1 --mode 2560x1440_60 --pos 1920x0"), 0);
 }
 

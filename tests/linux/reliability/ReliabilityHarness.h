@@ -42,12 +42,7 @@ class ReliabilityTest : public OrletTest {
   void switchView();
   bool isEnlarged();
   bool secondCardShowsPatch();
-  // A fault seen now and then and not yet fixed: a display card stays still. Said on standard
-  // output and recorded as a property instead of failing; the displays are then not required
-  // back at the end.
-  void reportKnownFault(const std::string& what);
-  // Both display cards show their patch, within two catalogue refreshes (after a burst of
-  // unplugs, one card sometimes misses the first refresh).
+  // Both display cards show their patch, within two catalogue refreshes.
   bool showsBothDisplays();
   // Paints the second display's patch in each colour in turn, and checks each reaches the mirror
   // (the card, or the enlarged picture) in time.
@@ -58,8 +53,6 @@ class ReliabilityTest : public OrletTest {
   // shown. Prints both footprints.
   void expectHeldUp(const Footprint& before);
 
-  // False where a known fault may leave a card still (see expectHeldUp).
-  bool displaysMustReturn_ = true;
   // Set before SetUp: the mirror saved as pinned.
   bool pinned_ = false;
   // Set before SetUp: ORLET's command line.

@@ -67,7 +67,6 @@ void ReliabilityCase::showAndHide() {
 // display enlarged. Each time the whole layout is given back (xrandr would otherwise leave an
 // output where the shrunken screen put it).
 void ReliabilityCase::unplugAndReplug() {
-  displaysMustReturn_ = false;
   const std::string layout =
       "--output DUMMY0 --mode 1920x1080 --pos 0x0 --primary "
       "--output DUMMY1 --mode 2560x1440_60 --pos 1920x0";
