@@ -104,7 +104,7 @@ bool ReliabilityTest::showsBothDisplays() {
         return near(x_->pixel(a.x, a.y), kMainColour) &&
                near(x_->pixel(b.x, b.y), secondPatchColour_);
       },
-      11s);
+      6s);
 }
 
 void ReliabilityTest::paintSecondPatch(const std::vector<std::uint32_t>& colours) {

@@ -42,7 +42,7 @@ class ReliabilityTest : public OrletTest {
   void switchView();
   bool isEnlarged();
   bool secondCardShowsPatch();
-  // Both display cards show their patch, within two catalogue refreshes.
+  // Both display cards show their patch within one 5-second catalogue refresh.
   bool showsBothDisplays();
   // Paints the second display's patch in each colour in turn, and checks each reaches the mirror
   // (the card, or the enlarged picture) in time.
