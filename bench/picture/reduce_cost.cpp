@@ -2,8 +2,9 @@
 // a display reduced to the enlarged mirror and to a card, as the capture thread does it.
 //
 //   orlet_reduce_cost [ROUNDS [SOURCE_W SOURCE_H W H]]
-//   prints "SOURCE -> PICTURE: average X ms, reduce Y ms" for the given size or a few usual ones
-//   (one size and one round under `valgrind --tool=callgrind` gives its instruction count).
+//   prints "SOURCE -> PICTURE: down X ms, across Y ms, total Z ms" for the given size or a few
+//   usual ones (one size and one round under `valgrind --tool=callgrind` gives its instruction
+//   count).
 #include <time.h>
 
 #include <cstdio>
@@ -39,21 +40,21 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < source->byteCount(); ++i) {
       source->mutablePixels()[i] = std::uint8_t(i * 2654435761u >> 13);
     }
-    auto averaged = orlet::Frame::allocate(reducer.averagedWidth(), reducer.averagedHeight());
+    orlet::ReducedDown down = reducer.reducedDown();
     auto out = orlet::Frame::allocate(k.width, k.height);
-    double averaging = 0, reducing = 0;
+    double downMs = 0, acrossMs = 0;
     for (int r = 0; r < rounds; ++r) {
       const double t0 = threadMs();
-      reducer.average(source->pixels(), source->stride(), {0, 0, k.sourceWidth, k.sourceHeight},
-                      *averaged);
+      reducer.reduceDown(source->pixels(), source->stride(), {0, 0, k.sourceWidth, k.sourceHeight},
+                         down);
       const double t1 = threadMs();
-      reducer.reduce(*averaged, *out, {0, 0, k.width, k.height});
-      reducing += threadMs() - t1;
-      averaging += t1 - t0;
+      reducer.reduce(down, *out, {0, 0, k.width, k.height});
+      acrossMs += threadMs() - t1;
+      downMs += t1 - t0;
     }
-    std::printf("%dx%d -> %dx%d (blocks of %d): average %.2f ms, reduce %.2f ms\n", k.sourceWidth,
-                k.sourceHeight, k.width, k.height, reducer.block(), averaging / rounds,
-                reducing / rounds);
+    std::printf("%dx%d -> %dx%d (blocks of %d): down %.2f ms, across %.2f ms, total %.2f ms\n",
+                k.sourceWidth, k.sourceHeight, k.width, k.height, reducer.block(), downMs / rounds,
+                acrossMs / rounds, (downMs + acrossMs) / rounds);
   }
   return 0;
 }

@@ -8,16 +8,14 @@
 namespace orlet {
 namespace {
 
-// Weights along one axis sum to 2^12. Columns summed down keep 8 fractional bits, so the sums
-// across stay well inside 32 bits even with the filter's negative lobes.
-constexpr int weightBits = 12;
+using reduction::weightBits;
 constexpr std::int32_t unit = 1 << weightBits;
-constexpr int lineShift = 4;
-constexpr int outShift = weightBits + weightBits - lineShift;
 constexpr double lobes = 3;
 // Sums of a block's pixels stay within 16 bits up to 16×16 blocks.
 constexpr int maxBlockShift = 4;
 constexpr int channels = int(Frame::bytesPerPixel);
+// The wide loops across weigh four pixels at a time: columns get a multiple of four taps.
+constexpr int acrossMultiple = 4;
 
 double lanczos(double x) {
   if (x == 0) return 1;
@@ -30,56 +28,13 @@ int ceilDiv(int value, int by) {
   return (value + by - 1) / by;
 }
 
-// The hot loops are compiled twice: for processors with AVX2, where 8 products are one
-// instruction, and for every x86-64. Elsewhere once.
+// Compiled twice: for processors with AVX2 (32 additions an instruction) and for every x86-64.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__)
 #define ORLET_WIDE_LOOPS __attribute__((target_clones("avx2", "default")))
 #else
 #define ORLET_WIDE_LOOPS
 #endif
-
-// Adds `rows` rows of `count` bytes, `stride` apart, each multiplied by its weight, to `line`.
-// Four rows at a time: `line` is read and written a quarter as often.
-ORLET_WIDE_LOOPS void sumDown(const std::uint8_t* pixels, std::size_t stride, int rows,
-                              const std::int16_t* weights, int count, std::int32_t* line) {
-  for (int i = 0; i < count; ++i) line[i] = 0;
-  int k = 0;
-  for (; k + 4 <= rows; k += 4) {
-    const std::uint8_t* p0 = pixels + stride * std::size_t(k);
-    const std::uint8_t* p1 = p0 + stride;
-    const std::uint8_t* p2 = p1 + stride;
-    const std::uint8_t* p3 = p2 + stride;
-    const std::int16_t w0 = weights[k], w1 = weights[k + 1], w2 = weights[k + 2],
-                       w3 = weights[k + 3];
-    for (int i = 0; i < count; ++i) {
-      line[i] += std::int16_t(p0[i]) * w0 + std::int16_t(p1[i]) * w1 + std::int16_t(p2[i]) * w2 +
-                 std::int16_t(p3[i]) * w3;
-    }
-  }
-  for (; k < rows; ++k) {
-    const std::uint8_t* p = pixels + stride * std::size_t(k);
-    const std::int16_t w = weights[k];
-    for (int i = 0; i < count; ++i) line[i] += std::int16_t(p[i]) * w;
-  }
-  constexpr std::int32_t half = 1 << (lineShift - 1);
-  for (int i = 0; i < count; ++i) line[i] = (line[i] + half) >> lineShift;
-}
-
-// Weighs `count` pixels of `line` (4 channels each) into `sums`, with `weights` repeated for each
-// channel: one long product of two arrays, which is vectorised two pixels at a time.
-ORLET_WIDE_LOOPS void sumAcross(const std::int32_t* line, const std::int32_t* weights, int count,
-                                std::int32_t* sums) {
-  constexpr int width = 2 * channels;
-  std::int32_t total[width] = {};
-  const int n = count * channels;
-  int i = 0;
-  for (; i + width <= n; i += width) {
-    for (int j = 0; j < width; ++j) total[j] += line[i + j] * weights[i + j];
-  }
-  for (; i < n; ++i) total[i % width] += line[i] * weights[i];
-  for (int c = 0; c < channels; ++c) sums[c] = total[c] + total[c + channels];
-}
 
 // Adds `rows` rows of `count` bytes, `stride` apart, to `sums`.
 ORLET_WIDE_LOOPS void addRows(const std::uint8_t* pixels, std::size_t stride, int rows, int count,
@@ -132,33 +87,40 @@ PictureReducer::PictureReducer(int sourceWidth, int sourceHeight, int width, int
   }
   averagedWidth_ = ceilDiv(sourceWidth_, block_);
   averagedHeight_ = ceilDiv(sourceHeight_, block_);
-  columns_ = spans(double(sourceWidth_) / block_, averagedWidth_, width, weights_);
-  rows_ = spans(double(sourceHeight_) / block_, averagedHeight_, height, weights_);
-  acrossWeights_.reserve(weights_.size() * channels);
-  for (const std::int16_t w : weights_) acrossWeights_.insert(acrossWeights_.end(), channels, w);
+  columns_ = taps(double(sourceWidth_) / block_, averagedWidth_, width, acrossMultiple, weights_);
+  rows_ = taps(double(sourceHeight_) / block_, averagedHeight_, height, 1, weights_);
 }
 
-std::vector<PictureReducer::Span> PictureReducer::spans(double from, int pixels, int to,
-                                                        std::vector<std::int16_t>& weights) {
-  std::vector<Span> result(std::size_t(std::max(to, 0)));
+std::vector<PictureReducer::Taps> PictureReducer::taps(double from, int pixels, int to,
+                                                       int multiple,
+                                                       std::vector<std::int16_t>& weights) {
+  std::vector<Taps> result(std::size_t(std::max(to, 0)));
   if (pixels <= 0) return result;
   const double scale = from / to;
   const double stretch = std::max(scale, 1.0);  // an enlargement interpolates, unfiltered
   const double support = lobes * stretch;
+  std::vector<double> raw;
   for (int i = 0; i < to; ++i) {
     const double centre = (i + 0.5) * scale;
-    const int first = std::clamp(int(std::ceil(centre - support - 0.5)), 0, pixels - 1);
-    const int last = std::clamp(int(std::floor(centre + support - 0.5)), first, pixels - 1);
-    std::vector<double> raw;
+    int first = std::clamp(int(std::ceil(centre - support - 0.5)), 0, pixels - 1);
+    int last = std::clamp(int(std::floor(centre + support - 0.5)), first, pixels - 1);
+    // Padded with pixels of no weight to a multiple of taps, where the picture is wide enough.
+    const int missing = (multiple - (last - first + 1) % multiple) % multiple;
+    const int right = std::min(missing, pixels - 1 - last);
+    const int left = std::min(missing - right, first);
+    raw.clear();
     double total = 0;
-    for (int j = first; j <= last; ++j) {
-      raw.push_back(lanczos((j + 0.5 - centre) / stretch));
+    for (int j = first - left; j <= last + right; ++j) {
+      const bool padding = j < first || j > last;
+      raw.push_back(padding ? 0.0 : lanczos((j + 0.5 - centre) / stretch));
       total += raw.back();
     }
-    Span& span = result[std::size_t(i)];
-    span.first = first;
-    span.count = last - first + 1;
-    span.weights = std::uint32_t(weights.size());
+    first -= left;
+    last += right;
+    Taps& t = result[std::size_t(i)];
+    t.first = first;
+    t.count = last - first + 1;
+    t.weights = std::uint32_t(weights.size());
     std::int32_t sum = 0;
     std::size_t largest = weights.size();
     for (double w : raw) {
@@ -173,63 +135,109 @@ std::vector<PictureReducer::Span> PictureReducer::spans(double from, int pixels,
   return result;
 }
 
-std::pair<int, int> PictureReducer::reach(const std::vector<Span>& spans, int from, int to) {
-  // Spans move forward with their index, both ends.
-  const auto begin = std::partition_point(spans.begin(), spans.end(),
-                                          [from](const Span& s) { return s.last() < from; });
+std::pair<int, int> PictureReducer::reach(const std::vector<Taps>& taps, int from, int to) {
+  // Taps move forward with their index, both ends.
+  const auto begin = std::partition_point(taps.begin(), taps.end(),
+                                          [from](const Taps& t) { return t.last() < from; });
   const auto end =
-      std::partition_point(begin, spans.end(), [to](const Span& s) { return s.first < to; });
-  return {int(begin - spans.begin()), int(end - spans.begin())};
+      std::partition_point(begin, taps.end(), [to](const Taps& t) { return t.first < to; });
+  return {int(begin - taps.begin()), int(end - taps.begin())};
 }
 
-PixelRect PictureReducer::wholeBlocks(const PixelRect& source) const {
-  const PixelRect r = intersection(source, {0, 0, sourceWidth_, sourceHeight_});
-  if (r.isEmpty()) return {};
-  const int x = r.x / block_ * block_, y = r.y / block_ * block_;
+ReducedDown PictureReducer::reducedDown() const {
+  ReducedDown down{averagedWidth_, height(), {}};
+  down.sums.resize(down.stride() * std::size_t(down.rows));
+  return down;
+}
+
+PixelRect PictureReducer::averaged(const PixelRect& source) const {
+  if (source.isEmpty()) return {};
+  const int x = source.x / block_, y = source.y / block_;
+  return {x, y, ceilDiv(source.maxX(), block_) - x, ceilDiv(source.maxY(), block_) - y};
+}
+
+PixelRect PictureReducer::readArea(const PixelRect& changed) const {
+  const PixelRect r = intersection(changed, {0, 0, sourceWidth_, sourceHeight_});
+  if (r.isEmpty() || rows_.empty()) return {};
+  const int x = r.x / block_ * block_;
   const int maxX = std::min(ceilDiv(r.maxX(), block_) * block_, sourceWidth_);
-  const int maxY = std::min(ceilDiv(r.maxY(), block_) * block_, sourceHeight_);
+  const int from = r.y / block_, to = ceilDiv(r.maxY(), block_);
+  const auto [first, end] = reach(rows_, from, to);
+  if (first >= end) return {};
+  const int y = std::min(from, rows_[std::size_t(first)].first) * block_;
+  const int maxY =
+      std::min(std::max(to, rows_[std::size_t(end - 1)].last() + 1) * block_, sourceHeight_);
   return {x, y, maxX - x, maxY - y};
 }
 
-PixelRect PictureReducer::averagedArea(const PixelRect& source) const {
-  const PixelRect r = wholeBlocks(source);
-  if (r.isEmpty()) return {};
-  const int x = r.x / block_, y = r.y / block_;
-  return {x, y, ceilDiv(r.maxX(), block_) - x, ceilDiv(r.maxY(), block_) - y};
+std::pair<int, int> PictureReducer::within(int from, int to) const {
+  const auto begin = std::partition_point(rows_.begin(), rows_.end(),
+                                          [from](const Taps& t) { return t.first < from; });
+  const auto end =
+      std::partition_point(begin, rows_.end(), [to](const Taps& t) { return t.last() < to; });
+  return {int(begin - rows_.begin()), int(end - rows_.begin())};
 }
 
-PixelRect PictureReducer::affected(const PixelRect& area) const {
+std::vector<PixelRect> PictureReducer::bands(const PixelRect& area, int rows) const {
+  const PixelRect to = averaged(area);
+  if (to.isEmpty()) return {};
+  const int budget = std::max(rows / block_, 1);
+  std::vector<PixelRect> result;
+  auto [y, end] = within(to.y, to.maxY());
+  while (y < end) {
+    const int top = rows_[std::size_t(y)].first;
+    int bottom = rows_[std::size_t(y)].last() + 1;
+    while (++y < end && rows_[std::size_t(y)].last() + 1 - top <= budget) {
+      bottom = rows_[std::size_t(y)].last() + 1;
+    }
+    const int maxY = std::min(bottom * block_, area.maxY());
+    result.push_back({area.x, top * block_, area.width, maxY - top * block_});
+  }
+  return result;
+}
+
+PixelRect PictureReducer::affected(const PixelRect& changed) const {
+  const PixelRect area = averaged(intersection(changed, {0, 0, sourceWidth_, sourceHeight_}));
   if (area.isEmpty()) return {};
   const auto [x0, x1] = reach(columns_, area.x, area.maxX());
   const auto [y0, y1] = reach(rows_, area.y, area.maxY());
   return intersection({x0, y0, x1 - x0, y1 - y0}, {0, 0, width(), height()});
 }
 
+void PictureReducer::reduceDown(const std::uint8_t* pixels, std::size_t stride,
+                                const PixelRect& area, ReducedDown& down) const {
+  const PixelRect to = averaged(area);
+  if (to.isEmpty() || down.columns != averagedWidth_ || down.rows != height()) return;
+  const auto [begin, end] = within(to.y, to.maxY());
+  if (begin >= end) return;
+  std::vector<std::uint8_t> blocks;
+  if (block_ > 1) {
+    blocks.resize(std::size_t(to.area()) * channels);
+    average(pixels, stride, area, blocks.data());
+    pixels = blocks.data();
+    stride = std::size_t(to.width) * channels;
+  }
+  for (int y = begin; y < end; ++y) {
+    const Taps& t = rows_[std::size_t(y)];
+    reduction::weighDown(pixels + stride * std::size_t(t.first - to.y), stride,
+                         weights_.data() + t.weights, t.count, to.width * channels,
+                         down.mutableRow(y) + std::size_t(to.x) * channels);
+  }
+}
+
+// Averages the source pixels of `source` (whole blocks) into its blocks at `out`, packed rows.
 void PictureReducer::average(const std::uint8_t* pixels, std::size_t stride,
-                             const PixelRect& source, Frame& averaged) const {
-  if (source.isEmpty() || averaged.width() != averagedWidth_ ||
-      averaged.height() != averagedHeight_) {
-    return;
-  }
-  const PixelRect to = averagedArea(source);
-  if (block_ == 1) {  // nothing to average: the pixels are kept as they are
-    const std::size_t bytes = std::size_t(source.width) * Frame::bytesPerPixel;
-    for (int y = 0; y < source.height; ++y) {
-      std::memcpy(averaged.mutableRow(to.y + y) + std::size_t(to.x) * Frame::bytesPerPixel,
-                  pixels + stride * std::size_t(y), bytes);
-    }
-    return;
-  }
+                             const PixelRect& source, std::uint8_t* out) const {
+  const PixelRect to = averaged(source);
   std::vector<std::uint16_t> sums(std::size_t(source.width) * channels);
   std::vector<std::uint16_t> blocks(std::size_t(to.width) * channels);
   const int whole = source.width / block_;  // blocks of full width; the last may be narrower
-  for (int by = 0; by < to.height; ++by) {
+  for (int by = 0; by < to.height; ++by, out += std::size_t(to.width) * channels) {
     const int top = by * block_;
     const int rows = std::min(block_, source.height - top);
     std::fill(sums.begin(), sums.end(), 0);
     addRows(pixels + stride * std::size_t(top), stride, rows, source.width * channels, sums.data());
     foldColumns(block_, sums.data(), whole, blocks.data());
-    std::uint8_t* out = averaged.mutableRow(to.y + by) + std::size_t(to.x) * Frame::bytesPerPixel;
     const int shift = 2 * blockShift_;
     const int n = whole * channels;
     if (rows == block_) {
@@ -253,48 +261,22 @@ void PictureReducer::average(const std::uint8_t* pixels, std::size_t stride,
   }
 }
 
-void PictureReducer::reduce(const Frame& averaged, Frame& out, const PixelRect& area) const {
+void PictureReducer::reduce(const ReducedDown& down, Frame& out, const PixelRect& area) const {
   const PixelRect rect = intersection(area, {0, 0, width(), height()});
-  if (rect.isEmpty() || averaged.width() != averagedWidth_ ||
-      averaged.height() != averagedHeight_ || out.width() != width() || out.height() != height()) {
+  if (rect.isEmpty() || down.columns != averagedWidth_ || down.rows != height() ||
+      out.width() != width() || out.height() != height()) {
     return;
   }
-  // The averaged columns the output columns of `rect` weigh.
-  const int from = columns_[std::size_t(rect.x)].first;
-  const int to = columns_[std::size_t(rect.maxX() - 1)].last() + 1;
-  std::vector<std::int32_t> line(std::size_t(to - from) * channels);
-  for (int y = rect.y; y < rect.maxY(); ++y) {
-    const Span& span = rows_[std::size_t(y)];
-    sumDown(averaged.row(span.first) + std::size_t(from) * Frame::bytesPerPixel, averaged.stride(),
-            span.count, weights_.data() + span.weights, int(line.size()), line.data());
-    reduceRow(line.data(), from, y, rect, out);
-  }
-}
-
-// Weighs `line`, averaged columns summed down from column `from` on, across into row `y` of
-// `rect`.
-void PictureReducer::reduceRow(const std::int32_t* line, int from, int y, const PixelRect& rect,
-                               Frame& out) const {
-  std::uint8_t* to = out.mutableRow(y) + std::size_t(rect.x) * Frame::bytesPerPixel;
-  constexpr std::int32_t half = 1 << (outShift - 1);
-  const auto channel = [](std::int32_t sum) {
-    return std::uint8_t(std::clamp((sum + half) >> outShift, 0, 255));
-  };
-  for (int x = rect.x; x < rect.maxX(); ++x, to += Frame::bytesPerPixel) {
-    const Span& span = columns_[std::size_t(x)];
-    std::int32_t sums[channels];
-    sumAcross(line + std::size_t(span.first - from) * channels,
-              acrossWeights_.data() + std::size_t(span.weights) * channels, span.count, sums);
-    for (int c = 0; c < 3; ++c) to[c] = channel(sums[c]);
-    to[3] = 0xFF;
-  }
+  reduction::weighAcross(down.row(rect.y), down.stride(), rect.height, 0,
+                         &columns_[std::size_t(rect.x)], rect.width, weights_.data(),
+                         out.mutableRow(rect.y) + std::size_t(rect.x) * channels, out.stride());
 }
 
 void reduceWhole(const PictureReducer& reducer, const Frame& source, Frame& out) {
-  auto averaged = Frame::allocate(reducer.averagedWidth(), reducer.averagedHeight());
-  reducer.average(source.pixels(), source.stride(),
-                  {0, 0, reducer.sourceWidth(), reducer.sourceHeight()}, *averaged);
-  reducer.reduce(*averaged, out, {0, 0, reducer.width(), reducer.height()});
+  ReducedDown down = reducer.reducedDown();
+  reducer.reduceDown(source.pixels(), source.stride(),
+                     {0, 0, reducer.sourceWidth(), reducer.sourceHeight()}, down);
+  reducer.reduce(down, out, {0, 0, reducer.width(), reducer.height()});
 }
 
 }  // namespace orlet

@@ -58,10 +58,12 @@ TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
                          Sizes{10, 10, 10, 10}}) {
     PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
     auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
-    auto averaged = Frame::allocate(reducer.averagedWidth(), reducer.averagedHeight());
+    ReducedDown down = reducer.reducedDown();
     auto partial = Frame::allocate(s.width, s.height);
     auto whole = Frame::allocate(s.width, s.height);
     reduceWhole(reducer, *source, *partial);
+    reducer.reduceDown(source->pixels(), source->stride(), {0, 0, s.sourceWidth, s.sourceHeight},
+                       down);
     for (int step = 0; step < 20; ++step) {
       const int x = int(random() % s.sourceWidth), y = int(random() % s.sourceHeight);
       const PixelRect change{x, y, 1 + int(random() % (s.sourceWidth - x)) / (1 + step % 4),
@@ -69,11 +71,11 @@ TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
       static std::uint32_t seed;
       seed = random();
       fill(*source, change, [](int px, int py) { return (seed ^ (px * 2654435761u + py)) >> 8; });
-      // Only the blocks the change touches are averaged again, from the source's pixels there.
-      const PixelRect blocks = reducer.wholeBlocks(change);
-      reducer.average(source->row(blocks.y) + std::size_t(blocks.x) * 4, source->stride(), blocks,
-                      *averaged);
-      reducer.reduce(*averaged, *partial, reducer.affected(reducer.averagedArea(change)));
+      // Only the pixels the change's output rows weigh are reduced again, from the source.
+      const PixelRect read = reducer.readArea(change);
+      reducer.reduceDown(source->row(read.y) + std::size_t(read.x) * 4, source->stride(), read,
+                         down);
+      reducer.reduce(down, *partial, reducer.affected(change));
       reduceWhole(reducer, *source, *whole);
       ASSERT_EQ(std::memcmp(partial->pixels(), whole->pixels(), whole->byteCount()), 0)
           << s.width << "x" << s.height << " step " << step;

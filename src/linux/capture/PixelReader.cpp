@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "linux/capture/BatchReader.h"
 #include "linux/capture/TenBitPixels.h"
 
 namespace orlet::linux_capture {
@@ -71,7 +72,7 @@ PixelReader::Result PixelReader::read(std::vector<PixelRect> changed, FrameRef& 
   if (!pool_->current()) changed = {{0, 0, area_.width, area_.height}};
   std::shared_ptr<Frame> target = pool_->acquire(changed);
   if (!target) return Result::busy;
-  const bool ok = useShm_ ? readShm(*target, changed, error) : readPlain(*target, changed, error);
+  const bool ok = useShm_ ? readShm(*target, changed, error) : readRects(*target, changed, error);
   if (!ok) {
     pool_->discard(target);
     return Result::failed;
@@ -97,34 +98,10 @@ bool PixelReader::readShm(Frame& frame, const std::vector<PixelRect>& changed, s
 
 bool PixelReader::readRects(Frame& frame, const std::vector<PixelRect>& changed,
                             std::string& error) {
-  // All requests go out before the first reply is awaited: one round trip for all.
-  std::vector<xcb_shm_get_image_cookie_t> cookies;
-  std::uint32_t offset = 0;
-  for (const auto& r : changed) {
-    cookies.push_back(xcb_shm_get_image(connection_.get(), connection_.root(),
-                                        std::int16_t(area_.x + r.x), std::int16_t(area_.y + r.y),
-                                        std::uint16_t(r.width), std::uint16_t(r.height), ~0u,
-                                        XCB_IMAGE_FORMAT_Z_PIXMAP, scratch_->segment(), offset));
-    offset += std::uint32_t(r.area()) * Frame::bytesPerPixel;
-  }
-  bool ok = true;
-  for (auto& cookie : cookies) {  // collect every reply, even after a failure
-    xcb_generic_error_t* rawError = nullptr;
-    Reply<xcb_shm_get_image_reply_t> reply(
-        xcb_shm_get_image_reply(connection_.get(), cookie, &rawError));
-    Reply<xcb_generic_error_t> failure(rawError);
-    if (!reply && ok) {
-      error = failure ? describe("MIT-SHM GetImage", *failure) : "MIT-SHM GetImage failed";
-      ok = false;
-    }
-  }
-  if (!ok) return false;
-  offset = 0;
-  for (const auto& r : changed) {
-    copyIn(frame, r, scratch_->data() + offset);
-    offset += std::uint32_t(r.area()) * Frame::bytesPerPixel;
-  }
-  return true;
+  return readBatch(
+      connection_, useShm_ ? scratch_.get() : nullptr, area_, changed,
+      [this, &frame](const PixelRect& r, const std::uint8_t* pixels) { copyIn(frame, r, pixels); },
+      error);
 }
 
 bool PixelReader::readBand(Frame& frame, const PixelRect& band, std::string& error) {
@@ -143,32 +120,6 @@ bool PixelReader::readBand(Frame& frame, const PixelRect& band, std::string& err
     return false;
   }
   return true;
-}
-
-bool PixelReader::readPlain(Frame& frame, const std::vector<PixelRect>& changed,
-                            std::string& error) {
-  std::vector<xcb_get_image_cookie_t> cookies;
-  for (const auto& r : changed) {
-    cookies.push_back(xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
-                                    connection_.root(), std::int16_t(area_.x + r.x),
-                                    std::int16_t(area_.y + r.y), std::uint16_t(r.width),
-                                    std::uint16_t(r.height), ~0u));
-  }
-  bool ok = true;
-  for (std::size_t i = 0; i < cookies.size(); ++i) {
-    xcb_generic_error_t* rawError = nullptr;
-    Reply<xcb_get_image_reply_t> reply(
-        xcb_get_image_reply(connection_.get(), cookies[i], &rawError));
-    Reply<xcb_generic_error_t> failure(rawError);
-    const auto expected = std::size_t(changed[i].area()) * Frame::bytesPerPixel;
-    if (reply && std::size_t(xcb_get_image_data_length(reply.get())) >= expected) {
-      if (ok) copyIn(frame, changed[i], xcb_get_image_data(reply.get()));
-    } else if (ok) {
-      error = failure ? describe("GetImage", *failure) : "GetImage returned too little";
-      ok = false;
-    }
-  }
-  return ok;
 }
 
 void PixelReader::copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const {

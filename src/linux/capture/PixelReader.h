@@ -41,7 +41,6 @@ class PixelReader {
   bool readShm(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
   bool readRects(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
   bool readBand(Frame& frame, const PixelRect& band, std::string& error);
-  bool readPlain(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
   void copyIn(Frame& frame, const PixelRect& rect, const std::uint8_t* source) const;
 
   const XcbConnection& connection_;

@@ -14,10 +14,10 @@ namespace orlet::linux_capture {
 enum class ReadResult { ok, unchanged, busy, failed };
 
 // Reads an area of the root window and publishes it reduced to the size it is shown at. Only
-// the averaged picture (see PictureReducer) is kept between frames, not the area's own pixels:
-// the changed parts are read piece by piece through a bounded scratch buffer and averaged
-// straight from it, and only the output pixels they affect are reduced again. A change whose
-// reduced pixels equal the current picture's publishes nothing. Used by one capture thread.
+// the picture reduced down (see PictureReducer) is kept between frames, not the area's own
+// pixels: the changed parts are read piece by piece through a bounded scratch buffer and reduced
+// down straight from it, and only the output pixels they affect are reduced across again. A change
+// whose reduced pixels equal the current picture's publishes nothing. Used by one capture thread.
 class ReducingReader {
  public:
   // At most this many bytes of the area's pixels are read at once (the scratch buffer's size
@@ -25,7 +25,7 @@ class ReducingReader {
   static constexpr std::size_t readBudget = std::size_t(4) << 20;
 
   // `scratch` (null without MIT-SHM) must outlive the reader. `tenBitChannels`: the root window
-  // holds x2r10g10b10 pixels, narrowed to eight bits a channel before they are averaged.
+  // holds x2r10g10b10 pixels, narrowed to eight bits a channel before they are reduced.
   ReducingReader(const XcbConnection& connection, SharedMemory* scratch, const PixelRect& area,
                  int width, int height, bool tenBitChannels = false);
 
@@ -34,20 +34,18 @@ class ReducingReader {
   ReadResult read(std::vector<PixelRect> changed, FrameRef& frame, std::string& error);
 
  private:
-  std::vector<PixelRect> pieces(const std::vector<PixelRect>& blocks) const;
-  bool readBlocks(const std::vector<PixelRect>& blocks, std::string& error);
-  bool readShared(const std::vector<PixelRect>& batch, std::string& error);
-  bool readPlain(const std::vector<PixelRect>& batch, std::string& error);
-  void average(const PixelRect& piece, std::uint8_t* pixels);
+  std::vector<PixelRect> pieces(const std::vector<PixelRect>& areas) const;
+  bool readAreas(const std::vector<PixelRect>& areas, std::string& error);
+  void reduceDown(const PixelRect& piece, std::uint8_t* pixels);
 
   const XcbConnection& connection_;
   SharedMemory* scratch_;
   bool tenBitChannels_;
   PixelRect area_;
   PictureReducer reducer_;
-  std::shared_ptr<Frame> averaged_;
+  ReducedDown down_;
   FramePool pool_;
-  bool primed_ = false;  // the averaged picture holds the whole area
+  bool primed_ = false;  // the picture reduced down holds the whole area
 };
 
 }  // namespace orlet::linux_capture

@@ -50,15 +50,20 @@ void FrameView::setFrame(FrameRef frame) {
   // Format_RGB32 is the frames' own layout: the image shares their pixels.
   image_ = QImage(frame_->pixels(), frame_->width(), frame_->height(),
                   static_cast<qsizetype>(frame_->stride()), QImage::Format_RGB32);
+  image_.setDevicePixelRatio(devicePixelRatioF());
   if (!had) return update();  // the shadow too
   const QRect target = pixelRect(pictureRect());
   const bool follows = frame_->sequence() != 0 && frame_->sequence() == previous->sequence() + 1 &&
                        frame_->width() == previous->width() &&
-                       frame_->height() == previous->height() && image_.size() == target.size();
+                       frame_->height() == previous->height() &&
+                       image_.size() == devicePictureSize();
   QRect changed = QRect(QPoint(0, 0), target.size());
   if (follows) {
-    changed = QRect();
-    for (const auto& r : frame_->changed()) changed |= QRect(r.x, r.y, r.width, r.height);
+    QRect pixels;
+    for (const auto& r : frame_->changed()) pixels |= QRect(r.x, r.y, r.width, r.height);
+    changed = QRectF(QPointF(pixels.topLeft()) / devicePixelRatioF(),
+                     QSizeF(pixels.size()) / devicePixelRatioF())
+                  .toAlignedRect();
   }
   // One pixel more on each side: the antialiased rounded edge blends with its neighbours.
   update(changed.translated(target.topLeft()).adjusted(-1, -1, 1, 1));
@@ -66,7 +71,7 @@ void FrameView::setFrame(FrameRef frame) {
 
 void FrameView::setPictureSizeHandler(std::function<void(QSize)> handler) {
   pictureSizeHandler_ = std::move(handler);
-  if (pictureSizeHandler_) pictureSizeHandler_(pixelRect(pictureRect()).size());
+  if (pictureSizeHandler_) pictureSizeHandler_(devicePictureSize());
 }
 
 void FrameView::setNotice(const QString& notice) {
@@ -81,20 +86,28 @@ QRectF FrameView::pictureRect() const {
   return QRectF(inner.x() + fit.x, inner.y() + fit.y, fit.width, fit.height);
 }
 
-void FrameView::resizeEvent(QResizeEvent*) {
-  loading_->setGeometry(contentsRect());
-  if (pictureSizeHandler_) pictureSizeHandler_(pixelRect(pictureRect()).size());
+QSize FrameView::devicePictureSize() const {
+  const QSize logical = pixelRect(pictureRect()).size();
+  const qreal ratio = devicePixelRatioF();
+  return QSize(qRound(logical.width() * ratio), qRound(logical.height() * ratio));
 }
 
-const QImage& FrameView::imageFor(const QRect& target) {
-  // Reduced frames are opaque and come at the picture's size. Anything else (the display's own
-  // pixels, whose padding byte the server leaves at zero, or a frame of a size the capture has
-  // not caught up with yet) is made opaque and scaled, once per frame.
+void FrameView::resizeEvent(QResizeEvent*) {
+  loading_->setGeometry(contentsRect());
+  if (pictureSizeHandler_) pictureSizeHandler_(devicePictureSize());
+}
+
+const QImage& FrameView::imageFor() {
+  // Reduced frames are opaque and come at the picture's size in device pixels. Anything else (the
+  // display's own pixels, whose padding byte the server leaves at zero, or a frame of a size the
+  // capture has not caught up with yet) is made opaque and scaled, once per frame.
+  const QSize size = devicePictureSize();
   const bool reduced = image_.width() < displaySize_.width || image_.height() < displaySize_.height;
-  if (reduced && image_.size() == target.size()) return image_;
-  if (scaled_.size() != target.size()) {
+  if (reduced && image_.size() == size) return image_;
+  if (scaled_.size() != size) {
     scaled_ = image_.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                  .scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                  .scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    scaled_.setDevicePixelRatio(devicePixelRatioF());
   }
   return scaled_;
 }
@@ -135,7 +148,7 @@ void FrameView::paintPicture(const QRectF& picture) {
   // A textured fill gives rounded corners with smooth edges, where clipping would leave them
   // jagged; for square corners the plain image path is the fastest. The picture is opaque: copying
   // it (blending only the antialiased edge by its coverage) is enough.
-  const QImage& image = imageFor(target);
+  const QImage& image = imageFor();
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   if (look_.cornerRadius > 0) {
     QBrush texture(image);

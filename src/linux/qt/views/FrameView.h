@@ -37,7 +37,7 @@ class FrameView final : public QWidget {
   // inside the shadow margins.
   QRectF pictureRect() const;
 
-  // Called with the size, in pixels, frames are drawn without scaling: at each resize.
+  // Called with the size, in device pixels, frames are drawn without scaling: at each resize.
   void setPictureSizeHandler(std::function<void(QSize)> handler);
 
  protected:
@@ -48,7 +48,9 @@ class FrameView final : public QWidget {
   void paintPicture(const QRectF& picture);
   void paintShadow(QPainter& painter, const QRectF& picture);
   void paintNotice(QPainter& painter, const QRectF& picture);
-  const QImage& imageFor(const QRect& target);
+  const QImage& imageFor();
+  // The picture's size in device pixels (HiDPI screens have more than one per logical pixel).
+  QSize devicePictureSize() const;
 
   Size displaySize_;
   Look look_;
