@@ -1,8 +1,8 @@
 // ORLET through what a studio machine does to it over hours: the mirror shown and hidden again and
 // again, displays unplugged and replugged, editor windows coming and going mid-placement, the
-// window manager replaced and gone, servers without MIT-SHM or with 10-bit channels, and a soak
-// at full motion. Every case must leave ORLET holding no more than before, its settings intact
-// and both displays on show.
+// window manager replaced and gone, servers without MIT-SHM, with 10-bit channels or with a depth
+// ORLET cannot read, and a soak at full motion. Every case must leave ORLET holding no more than
+// before, its settings intact and both displays on show.
 #include <cstdlib>
 #include <iostream>
 #include <regex>
@@ -20,6 +20,8 @@ struct Case {
   const char* sessionOptions;
   void (ReliabilityCase::*run)();
   bool pinned = false;
+  // The server's screen is one ORLET cannot read: the mirror says why instead of showing it.
+  bool unreadable = false;
 };
 
 // ctest prints the parameter of each case: its name, not its bytes.
@@ -48,6 +50,7 @@ class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInter
   void windowManagerReplaced();
   void cardsFollowTheScreen();
   void soakAtFullMotion();
+  void saysWhyAgainAndAgain();
 };
 
 // Each cycle hides and shows the mirror with the shortcut, enlarges the second display and goes
@@ -120,6 +123,20 @@ void ReliabilityCase::cardsFollowTheScreen() {
   }
 }
 
+// A screen whose pixels ORLET cannot read, the mirror shown and hidden many times: each time it
+// says why in words, and the log says it once in all.
+void ReliabilityCase::saysWhyAgainAndAgain() {
+  for (int cycle = 0, cycles = scaled(100); cycle < cycles && !HasFatalFailure(); ++cycle) {
+    toggleMirror();
+    toggleMirror();
+    ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 6s)) << "cycle " << cycle;
+  }
+  const std::string line = "orlet: the displays cannot be shown: unsupported root window format";
+  const auto output = orlet_->output();
+  EXPECT_NE(output.find(line), std::string::npos) << output;
+  EXPECT_EQ(output.find(line), output.rfind(line)) << output;
+}
+
 // The "painted" count of the latest stats line ORLET wrote.
 long paintedSoFar(const std::string& output) {
   static const std::regex line("painted ([0-9]+)");
@@ -168,6 +185,14 @@ void ReliabilityCase::soakAtFullMotion() {
 // Every case starts from the grid, shown, once both views have shown a few changes (each makes its
 // captures, buffers and widgets as first needed).
 TEST_P(ReliabilityCase, HoldsUp) {
+  if (GetParam().unreadable) {
+    toggleMirror();
+    ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 11s));
+    const auto before = footprint();
+    (this->*GetParam().run)();
+    if (!HasFatalFailure()) expectNothingHeld(before);
+    return;
+  }
   toggleWithShortcut();
   ASSERT_TRUE(showsBothDisplays());
   for (int view = 0; view < 2; ++view) {
@@ -190,6 +215,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"WindowManagerReplaced", "", &ReliabilityCase::windowManagerReplaced},
         Case{"WithoutSharedMemory", "--no-shm", &ReliabilityCase::cardsFollowTheScreen},
         Case{"ThirtyBitDepth", "--depth 30", &ReliabilityCase::cardsFollowTheScreen},
+        Case{"SixteenBitDepth", "--depth 16", &ReliabilityCase::saysWhyAgainAndAgain, false, true},
         Case{"SoakAtFullMotion", "", &ReliabilityCase::soakAtFullMotion}),
     [](const auto& info) { return std::string(info.param.name); });
 
