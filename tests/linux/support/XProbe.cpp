@@ -230,6 +230,21 @@ std::uint32_t XProbe::fromPixel(std::uint32_t pixel) const {
   return pixel & 0xFFFFFF;
 }
 
+bool XProbe::withinOneDisplay(const WindowRect& r) {
+  Reply<xcb_randr_get_monitors_reply_t> monitors(
+      xcb_randr_get_monitors_reply(c_, xcb_randr_get_monitors(c_, screen_->root, 1), nullptr));
+  if (!monitors || r.width <= 0) return false;
+  for (auto it = xcb_randr_get_monitors_monitors_iterator(monitors.get()); it.rem > 0;
+       xcb_randr_monitor_info_next(&it)) {
+    const auto& m = *it.data;
+    if (r.x >= m.x && r.y >= m.y && r.x + r.width <= m.x + m.width &&
+        r.y + r.height <= m.y + m.height) {
+      return true;
+    }
+  }
+  return false;
+}
+
 xcb_randr_output_t XProbe::output(const std::string& name) {
   Reply<xcb_randr_get_screen_resources_current_reply_t> resources(
       xcb_randr_get_screen_resources_current_reply(
