@@ -3,6 +3,8 @@
 // window manager replaced and gone, servers without MIT-SHM, with 10-bit channels or with a depth
 // ORLET cannot read, and a soak at full motion. Every case must leave ORLET holding no more than
 // before, its settings intact and both displays on show.
+#include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <regex>
@@ -51,13 +53,19 @@ class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInter
   void cardsFollowTheScreen();
   void soakAtFullMotion();
   void saysWhyAgainAndAgain();
+
+  // How many times the case's step ran, for its time per step.
+  int iterations_ = 1;
+  // Runs the case's churn and prints how long each of its steps took.
+  void runTimed();
 };
 
 // Each cycle hides and shows the mirror with the shortcut, enlarges the second display and goes
 // back to the grid. (It is hidden from the grid: a mirror shown again in the enlarged view passes
 // through the grid first, which a test cannot tell from a grid that stays.)
 void ReliabilityCase::showAndHide() {
-  for (int cycle = 0, cycles = scaled(1000); cycle < cycles && !HasFatalFailure(); ++cycle) {
+  iterations_ = scaled(1000);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
     toggleWithShortcut();
     toggleWithShortcut();
     switchView();
@@ -76,7 +84,8 @@ void ReliabilityCase::unplugAndReplug() {
       "--output DUMMY1 --mode 2560x1440_60 --pos 1920x0";
   const char* changes[] = {"--output DUMMY1 --off", "--output DUMMY1 --mode 3840x2160_60",
                            "--output DUMMY0 --off", "--output DUMMY0 --mode 1024x768"};
-  for (int cycle = 0, cycles = scaled(200); cycle < cycles && !HasFatalFailure(); ++cycle) {
+  iterations_ = scaled(200);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
     if (cycle == cycles / 2) switchView();
     xrandr(changes[cycle % 4]);
     xrandr(layout);
@@ -87,7 +96,7 @@ void ReliabilityCase::unplugAndReplug() {
 // times over: while the mirror waits to be placed (the first case), and, pinned, while it is
 // restacked above the editor (the second).
 void ReliabilityCase::editorWindowsComeAndGo() {
-  const int windows = scaled(100);
+  const int windows = iterations_ = scaled(100);
   Process churn(
       {ORLET_STANDIN_BINARY, "--class", "CaptureOne", "--instance", "captureone", "--title",
        "Capture One 23", "--geometry", "640x400+400+300", "--churn", std::to_string(windows)},
@@ -126,7 +135,8 @@ void ReliabilityCase::cardsFollowTheScreen() {
 // A screen whose pixels ORLET cannot read, the mirror shown and hidden many times: each time it
 // says why in words, and the log says it once in all.
 void ReliabilityCase::saysWhyAgainAndAgain() {
-  for (int cycle = 0, cycles = scaled(100); cycle < cycles && !HasFatalFailure(); ++cycle) {
+  iterations_ = scaled(100);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
     toggleMirror();
     toggleMirror();
     ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 6s)) << "cycle " << cycle;
@@ -182,6 +192,15 @@ void ReliabilityCase::soakAtFullMotion() {
   EXPECT_GE(2 * (paintedEnd - paintedHalf), paintedHalf - paintedWarm);
 }
 
+void ReliabilityCase::runTimed() {
+  const auto start = std::chrono::steady_clock::now();
+  (this->*GetParam().run)();
+  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  std::cout << GetParam().name << ": " << iterations_ << " steps in " << took.count() / 1000
+            << " s, " << took.count() / iterations_ << " ms each" << std::endl;
+  RecordProperty("ms_per_step", std::to_string(std::lround(took.count() / iterations_)));
+}
+
 // Every case starts from the grid, shown, once both views have shown a few changes (each makes its
 // captures, buffers and widgets as first needed).
 TEST_P(ReliabilityCase, HoldsUp) {
@@ -189,7 +208,7 @@ TEST_P(ReliabilityCase, HoldsUp) {
     toggleMirror();
     ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 11s));
     const auto before = footprint();
-    (this->*GetParam().run)();
+    runTimed();
     if (!HasFatalFailure()) expectNothingHeld(before);
     return;
   }
@@ -200,7 +219,7 @@ TEST_P(ReliabilityCase, HoldsUp) {
     switchView();
   }
   const auto before = footprint();
-  (this->*GetParam().run)();
+  runTimed();
   if (HasFatalFailure()) return;
   expectHeldUp(before);
 }
