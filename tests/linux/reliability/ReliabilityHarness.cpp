@@ -36,7 +36,7 @@ Spot inCard(const WindowRect& m, int index, const Rect& display, Point p) {
 
 double reliabilityScale() {
   const char* scale = std::getenv("ORLET_RELIABILITY_SCALE");
-  return scale && *scale ? std::atof(scale) : 0.05;
+  return scale && *scale ? std::atof(scale) : 0.02;
 }
 
 int scaled(int fullCount) {

@@ -10,7 +10,7 @@ namespace orlet::x11test {
 
 // The counts of the reliability cases as a share of the full ones (1,000 show/hide cycles, 200
 // unplugs, 100 editor windows, a 10-minute soak): ORLET_RELIABILITY_SCALE, 1 for the full
-// counts; a twentieth unless set.
+// counts; a fiftieth unless set.
 double reliabilityScale();
 int scaled(int fullCount);
 
