@@ -11,7 +11,7 @@
 #   scripts/xsession.sh stop :41
 #
 # --no-shm starts the server without the MIT-SHM extension; --depth 30 gives a 30-bit root
-# window (10 bits a channel).
+# window (10 bits a channel), --depth 16 a 16-bit one (5:6:5), which ORLET cannot capture.
 set -euo pipefail
 
 usage="usage: xsession.sh start|tray|wm|stop :N [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]"

@@ -25,6 +25,8 @@ void DisplayManager::refresh() {
           isLoading.set(false);  // keep the previous list; failures stay silent
           return;
         }
+        const int unreadable = content ? content->unreadableDepth : 0;
+        if (unreadable != unreadableDepth.get()) unreadableDepth.set(unreadable);
         auto candidates = content ? std::move(content->displays) : std::vector<Display>{};
         asyncFilter<Display>(
             std::move(candidates),

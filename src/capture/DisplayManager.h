@@ -40,6 +40,8 @@ class DisplayManager {
   Published<std::vector<Display>> displays;  // validated displays, main first
   Published<bool> isLoading{false};          // a refresh is running
   Published<bool> hasPermission{false};      // written by the selector
+  // The screen's depth when the service cannot read its pixels at all, 0 when it can.
+  Published<int> unreadableDepth{0};
 
   // Lists the service's displays, keeps those whose test capture delivers a picture (one at a
   // time, in the service's order) and publishes them main first. Does nothing while a refresh

@@ -32,9 +32,12 @@ struct CaptureError {
 };
 using CaptureCompletion = std::function<void(std::optional<CaptureError>)>;
 
-// The displays the capture service offers, in its own order.
+// The displays the capture service offers, in its own order. Where the screen's pixels cannot
+// be read at all (a depth or layout capture does not know), none is offered and
+// `unreadableDepth` is the screen's depth (0 otherwise).
 struct ShareableContent {
   std::vector<Display> displays;
+  int unreadableDepth = 0;
 };
 
 // A rational time value / timescale seconds; invalid (timescale <= 0) means "not set".

@@ -22,6 +22,7 @@ void WindowSelectorModel::observeCatalogue() {
   }));
   subscriptions_.push_back(dm_.displays.observe([this](const auto&) { changed(); }));
   subscriptions_.push_back(dm_.hasPermission.observe([this](bool) { changed(); }));
+  subscriptions_.push_back(dm_.unreadableDepth.observe([this](int) { changed(); }));
   subscriptions_.push_back(selected.observe([this](const auto&) { changed(); }));
 }
 
@@ -45,6 +46,10 @@ SelectorForeground WindowSelectorModel::foreground() const {
   if (selected->has_value()) return SelectorForeground::enlarged;
   // A refresh over a list already shown keeps the grid; the loading text is for an empty list.
   if (dm_.isLoading.get() && dm_.displays->empty()) return SelectorForeground::loading;
+  // An empty grid over a screen that cannot be read says why instead.
+  if (dm_.displays->empty() && dm_.unreadableDepth.get() > 0) {
+    return SelectorForeground::unreadableScreen;
+  }
   return SelectorForeground::grid;
 }
 

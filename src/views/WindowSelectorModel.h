@@ -18,7 +18,7 @@
 namespace orlet {
 
 // What the mirror panel shows, in the order it is decided.
-enum class SelectorForeground { permissionCard, loading, grid, enlarged };
+enum class SelectorForeground { permissionCard, loading, grid, enlarged, unreadableScreen };
 
 // The logic of the mirror panel's root view: the screen-recording permission, the display
 // catalogue kept fresh every 5 seconds while the grid is shown, and the choice of the display

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "app/UpdateManager.h"
+#include "support/UpdateManagerRig.h"
 #include "support/VirtualScheduler.h"
 
 namespace orlet {
@@ -31,37 +31,15 @@ class ThreadedMonitor final : public NetworkPathMonitor {
   std::thread thread_;
 };
 
-class RecordingAlerts final : public AlertPresenter {
- public:
-  int runModal(const Alert& alert) override {
-    shown.push_back(alert);
-    return 0;
-  }
-  std::vector<Alert> shown;
-};
-
-class CountingUpdater final : public UpdaterController {
- public:
-  explicit CountingUpdater(int& checks) : checks_(checks) {}
-  void checkForUpdates() override { ++checks_; }
-
- private:
-  int& checks_;
-};
-
 struct UpdateManagerTest : ::testing::Test {
   test::VirtualScheduler scheduler;
-  RecordingAlerts alerts;
   PathStatus status = PathStatus::satisfied;
   std::vector<std::shared_ptr<ThreadedMonitor>> monitors;
-  int updatersMade = 0, checks = 0;
-  std::unique_ptr<UpdateManager> manager = std::make_unique<UpdateManager>(UpdateManager::Ports{
-      scheduler, alerts,
-      [this] { return monitors.emplace_back(std::make_shared<ThreadedMonitor>(status)); },
-      [this] {
-        ++updatersMade;
-        return std::make_unique<CountingUpdater>(checks);
-      }});
+  test::UpdateManagerRig rig{
+      scheduler,
+      [this] { return monitors.emplace_back(std::make_shared<ThreadedMonitor>(status)); }};
+  test::RecordingAlerts& alerts = rig.alerts;
+  std::unique_ptr<UpdateManager>& manager = rig.manager;
 };
 
 TEST_F(UpdateManagerTest, WithoutANetworkPathTheAlertIsShownAndNoUpdaterIsMade) {
@@ -81,7 +59,7 @@ TEST_F(UpdateManagerTest, WithoutANetworkPathTheAlertIsShownAndNoUpdaterIsMade) 
     EXPECT_EQ(a.buttons, std::vector<std::string>{"OK"});
     EXPECT_TRUE(monitors.back()->cancelled_);
   }
-  EXPECT_EQ(updatersMade, 0);
+  EXPECT_EQ(rig.updatersMade, 0);
   EXPECT_FALSE(manager->hasUpdaterController());
 }
 
@@ -93,8 +71,8 @@ TEST_F(UpdateManagerTest, TheUpdaterIsMadeWhenTheNetworkIsFirstFoundAndReused) {
   manager->checkForUpdates();
   manager->checkForUpdates();
   scheduler.runUntilIdle();
-  EXPECT_EQ(updatersMade, 1);
-  EXPECT_EQ(checks, 2);
+  EXPECT_EQ(rig.updatersMade, 1);
+  EXPECT_EQ(rig.checks, 2);
   EXPECT_EQ(monitors.size(), 4u) << "one kept monitor, then one per check";
 }
 
@@ -102,7 +80,7 @@ TEST_F(UpdateManagerTest, AReportArrivingAfterTheManagerIsGoneIsDropped) {
   manager->checkForUpdates();
   manager.reset();
   scheduler.runUntilIdle();
-  EXPECT_EQ(updatersMade, 0);
+  EXPECT_EQ(rig.updatersMade, 0);
   EXPECT_TRUE(alerts.shown.empty());
 }
 

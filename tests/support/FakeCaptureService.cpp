@@ -11,7 +11,11 @@ Display makeDisplay(DisplayID id, int width, int height, double x, bool isMain) 
 void FakeCaptureService::shareableContent(
     std::function<void(std::optional<ShareableContent>, std::optional<CaptureError>)> completion) {
   std::optional<ShareableContent> content;
-  if (!contentAbsent && !contentError) content = ShareableContent{displays};
+  if (unreadableDepth > 0) {
+    content = ShareableContent{{}, unreadableDepth};
+  } else if (!contentAbsent && !contentError) {
+    content = ShareableContent{displays};
+  }
   scheduler_.async([completion = std::move(completion), content, error = contentError] {
     completion(content, error);
   });

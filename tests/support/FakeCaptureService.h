@@ -83,6 +83,7 @@ class FakeCaptureService final : public CaptureService {
 
   std::vector<Display> displays;                         // what shareableContent lists
   bool contentAbsent = false;                            // list nothing, without an error
+  int unreadableDepth = 0;                               // a screen no capture can read
   std::optional<CaptureError> contentError;              // fail the listing
   std::map<DisplayID, std::vector<FakeSample>> samples;  // default: one picture at once
   std::map<DisplayID, FakeFailures> failures;

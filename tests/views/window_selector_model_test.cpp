@@ -87,6 +87,18 @@ TEST_F(WindowSelectorModelTest, PermissionCardUntilGrantedAndOneRequestAtATime) 
   EXPECT_EQ(listed(), (Ids{1, 2}));
 }
 
+// A screen whose pixels no capture can read lists no display: the panel says why rather than
+// showing an empty grid, and says it still after the next refresh.
+TEST_F(WindowSelectorModelTest, AnUnreadableScreenIsSaidInsteadOfAnEmptyGrid) {
+  capture.unreadableDepth = 16;
+  showWithPermission();
+  EXPECT_EQ(model.foreground(), Foreground::unreadableScreen);
+  EXPECT_EQ(model.dm().unreadableDepth.get(), 16);
+  EXPECT_TRUE(capture.streams.empty());
+  scheduler.advance(Seconds{6});
+  EXPECT_EQ(model.foreground(), Foreground::unreadableScreen);
+}
+
 // The refresh loop ticks 5 s after the last refresh ended, skips its turns while a display is
 // enlarged, and starts again with either way back.
 TEST_F(WindowSelectorModelTest, TheListRefreshesEveryFiveSecondsOnlyWhileNothingIsSelected) {

@@ -14,6 +14,7 @@
 #include "foundation/RenderCounters.h"
 #include "linux/capture/Monitors.h"
 #include "linux/capture/PixelReader.h"
+#include "linux/capture/RootFormat.h"
 #include "linux/capture/SharedMemory.h"
 #include "linux/capture/Xcb.h"
 
@@ -26,19 +27,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t maxRectsPerRead = 16;
 // Reads that fail this many times in a row, with the display still listed, end the capture.
 constexpr int maxFailedReads = 5;
-
-// The root visual has ten bits a channel, red highest and blue lowest.
-bool isTenBitRgb(const xcb_screen_t& screen) {
-  for (auto d = xcb_screen_allowed_depths_iterator(&screen); d.rem > 0; xcb_depth_next(&d)) {
-    for (auto v = xcb_depth_visuals_iterator(d.data); v.rem > 0; xcb_visualtype_next(&v)) {
-      if (v.data->visual_id == screen.root_visual) {
-        return v.data->red_mask == 0x3FF00000 && v.data->green_mask == 0xFFC00 &&
-               v.data->blue_mask == 0x3FF;
-      }
-    }
-  }
-  return false;
-}
 
 class Grabber {
  public:
@@ -87,27 +75,10 @@ class Grabber {
   std::uint64_t pictureSize_ = 0;  // the size the reader delivers (PictureSize::packed)
 };
 
-// Depth 24 and 32 are read as they are; depth 30 only as x2r10g10b10 (the layout X servers
-// give 30-bit TrueColor), which the reader narrows to eight bits a channel. Anything else is
-// refused with its reason rather than shown as noise.
+// A 30-bit root is narrowed to eight bits a channel by the reader; a format that cannot be read
+// is refused with its reason rather than shown as noise.
 std::optional<std::string> Grabber::checkPixelFormat() const {
-  const xcb_setup_t* setup = xcb_get_setup(connection_->get());
-  const xcb_screen_t& screen = connection_->screen();
-  const std::uint8_t depth = screen.root_depth;
-  if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST ||
-      (depth != 24 && depth != 32 && depth != 30)) {
-    return "unsupported root window format (depth " + std::to_string(depth) + ")";
-  }
-  if (depth == 30 && !isTenBitRgb(screen)) {
-    return "unsupported 30-bit root window layout (not x2r10g10b10)";
-  }
-  for (auto it = xcb_setup_pixmap_formats_iterator(setup); it.rem > 0; xcb_format_next(&it)) {
-    if (it.data->depth == depth) {
-      if (it.data->bits_per_pixel == 32) return std::nullopt;
-      break;
-    }
-  }
-  return "the root window is not 32 bits per pixel";
+  return unreadableRootFormat(*xcb_get_setup(connection_->get()), connection_->screen());
 }
 
 std::optional<CaptureError> Grabber::setUp() {

@@ -1,6 +1,9 @@
 #include "linux/capture/X11CaptureService.h"
 
+#include <cstdio>
+
 #include "linux/capture/Monitors.h"
+#include "linux/capture/RootFormat.h"
 #include "linux/capture/X11CaptureStream.h"
 #include "linux/capture/Xcb.h"
 
@@ -19,16 +22,26 @@ void X11CaptureService::shareableContent(
     std::function<void(std::optional<ShareableContent>, std::optional<CaptureError>)> completion) {
   // The RandR round trips happen on a worker thread with its own connection: the main thread
   // never waits for the server. Each query sees the monitors as they are now, hotplug included.
+  // A screen whose pixels cannot be read offers no display, and says why once.
   Scheduler* scheduler = &scheduler_;
-  threads_->spawn(nullptr, [scheduler, name = displayName_, completion = std::move(completion)] {
+  threads_->spawn(nullptr, [scheduler, name = displayName_, completion = std::move(completion),
+                            said = unreadableSaid_] {
     std::string error;
-    std::optional<std::vector<Display>> displays;
+    std::optional<ShareableContent> content;
     if (auto connection = XcbConnection::open(name.empty() ? nullptr : name.c_str(), error)) {
-      displays = queryDisplays(*connection, initRandr(*connection), error);
+      const auto& screen = connection->screen();
+      if (auto why = unreadableRootFormat(*xcb_get_setup(connection->get()), screen)) {
+        content = ShareableContent{{}, screen.root_depth};
+        if (!said->exchange(true)) {
+          std::fprintf(stderr, "orlet: the displays cannot be shown: %s\n", why->c_str());
+        }
+      } else if (auto displays = queryDisplays(*connection, initRandr(*connection), error)) {
+        content = ShareableContent{std::move(*displays)};
+      }
     }
-    scheduler->async([completion, displays, error] {
-      if (!displays) return completion(std::nullopt, CaptureError{error});
-      completion(ShareableContent{*displays}, std::nullopt);
+    scheduler->async([completion, content = std::move(content), error] {
+      if (!content) return completion(std::nullopt, CaptureError{error});
+      completion(content, std::nullopt);
     });
   });
 }

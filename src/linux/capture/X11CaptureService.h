@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,7 @@ class X11CaptureService final : public CaptureService {
   Scheduler& scheduler_;
   std::string displayName_;
   std::shared_ptr<WorkerThreads> threads_ = std::make_shared<WorkerThreads>();
+  std::shared_ptr<std::atomic<bool>> unreadableSaid_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 }  // namespace orlet::linux_capture

@@ -1,5 +1,6 @@
 #include "ReliabilityHarness.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
@@ -57,10 +58,16 @@ void ReliabilityTest::SetUp() {
   startOrlet(orletArguments_);
 }
 
-void ReliabilityTest::toggleWithShortcut() {
+void ReliabilityTest::toggleMirror() {
   const bool wasShown = isShown(mirror());
   xdotool("key ctrl+k");
   ASSERT_TRUE(eventually([&] { return isShown(mirror()) != wasShown; }, 10s));
+}
+
+void ReliabilityTest::toggleWithShortcut() {
+  const bool wasShown = isShown(mirror());
+  toggleMirror();
+  if (HasFatalFailure()) return;
   // A mirror shown again first paints its background, then the view it was left in.
   if (!wasShown) {
     EXPECT_TRUE(eventually([&] { return isEnlarged() || secondCardShowsPatch(); }, 10s))
@@ -129,7 +136,22 @@ void ReliabilityTest::xrandr(const std::string& arguments) {
   ASSERT_EQ(std::system(command.c_str()), 0) << command;
 }
 
+bool ReliabilityTest::saysWhyNoDisplay() {
+  const auto m = rectOf(mirror());
+  const auto band = x_->pixels({m.x + 100, m.y + m.height / 2 - 40, m.width - 200, 80});
+  return std::count_if(band.begin(), band.end(), isDark) > 200;
+}
+
 void ReliabilityTest::expectHeldUp(const Footprint& before) {
+  expectNothingHeld(before);
+  if (!isShown(mirror())) toggleWithShortcut();
+  if (isEnlarged()) switchView();
+  EXPECT_TRUE(showsBothDisplays());
+  EXPECT_TRUE(isShown(button()));
+  EXPECT_FALSE(orlet_->waitForExit(0ms).has_value()) << orlet_->output();
+}
+
+void ReliabilityTest::expectNothingHeld(const Footprint& before) {
   Footprint after = footprint();
   // Threads and connections that a change started may still be winding down: wait them out.
   EXPECT_TRUE(eventually(
@@ -147,11 +169,6 @@ void ReliabilityTest::expectHeldUp(const Footprint& before) {
   EXPECT_LE(after.descriptors, before.descriptors + kDescriptorSlack);
   EXPECT_LE(after.xResources, before.xResources + kResourceSlack);
   for (const auto& [key, value] : saved_) EXPECT_EQ(setting(key), value) << key;
-  if (!isShown(mirror())) toggleWithShortcut();
-  if (isEnlarged()) switchView();
-  EXPECT_TRUE(showsBothDisplays());
-  EXPECT_TRUE(isShown(button()));
-  EXPECT_FALSE(orlet_->waitForExit(0ms).has_value()) << orlet_->output();
 }
 
 }  // namespace orlet::x11test

@@ -37,7 +37,12 @@ class ReliabilityTest : public OrletTest {
 
   Footprint footprint() { return footprintOf(orlet_->pid(), *x_); }
   // Shows or hides the mirror with the shortcut, through XTEST, and waits until it has.
+  void toggleMirror();
+  // The same, and a mirror shown again must show a picture.
   void toggleWithShortcut();
+  // The mirror says in words why it shows no display (text across its middle, where an empty
+  // grid has only its background).
+  bool saysWhyNoDisplay();
   // Enlarges the second display from the grid, or goes back to the grid from the enlarged view.
   void switchView();
   bool isEnlarged();
@@ -52,6 +57,8 @@ class ReliabilityTest : public OrletTest {
   // what one picture in flight holds), every saved setting still in the file, both displays
   // shown. Prints both footprints.
   void expectHeldUp(const Footprint& before);
+  // The part of it that holds on any screen: nothing more held, every saved setting in the file.
+  void expectNothingHeld(const Footprint& before);
 
   // Set before SetUp: the mirror saved as pinned.
   bool pinned_ = false;

@@ -1,8 +1,10 @@
 // ORLET through what a studio machine does to it over hours: the mirror shown and hidden again and
 // again, displays unplugged and replugged, editor windows coming and going mid-placement, the
-// window manager replaced and gone, servers without MIT-SHM or with 10-bit channels, and a soak
-// at full motion. Every case must leave ORLET holding no more than before, its settings intact
-// and both displays on show.
+// window manager replaced and gone, servers without MIT-SHM, with 10-bit channels or with a depth
+// ORLET cannot read, and a soak at full motion. Every case must leave ORLET holding no more than
+// before, its settings intact and both displays on show.
+#include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <regex>
@@ -20,6 +22,8 @@ struct Case {
   const char* sessionOptions;
   void (ReliabilityCase::*run)();
   bool pinned = false;
+  // The server's screen is one ORLET cannot read: the mirror says why instead of showing it.
+  bool unreadable = false;
 };
 
 // ctest prints the parameter of each case: its name, not its bytes.
@@ -48,13 +52,20 @@ class ReliabilityCase : public ReliabilityTest, public ::testing::WithParamInter
   void windowManagerReplaced();
   void cardsFollowTheScreen();
   void soakAtFullMotion();
+  void saysWhyAgainAndAgain();
+
+  // How many times the case's step ran, for its time per step.
+  int iterations_ = 1;
+  // Runs the case's churn and prints how long each of its steps took.
+  void runTimed();
 };
 
 // Each cycle hides and shows the mirror with the shortcut, enlarges the second display and goes
 // back to the grid. (It is hidden from the grid: a mirror shown again in the enlarged view passes
 // through the grid first, which a test cannot tell from a grid that stays.)
 void ReliabilityCase::showAndHide() {
-  for (int cycle = 0, cycles = scaled(1000); cycle < cycles && !HasFatalFailure(); ++cycle) {
+  iterations_ = scaled(1000);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
     toggleWithShortcut();
     toggleWithShortcut();
     switchView();
@@ -72,7 +83,8 @@ void ReliabilityCase::unplugAndReplug() {
       "--output DUMMY1 --mode 2560x1440_60 --pos 1920x0";
   const char* changes[] = {"--output DUMMY1 --off", "--output DUMMY1 --mode 3840x2160_60",
                            "--output DUMMY0 --off", "--output DUMMY0 --mode 1024x768"};
-  for (int cycle = 0, cycles = scaled(200); cycle < cycles && !HasFatalFailure(); ++cycle) {
+  iterations_ = scaled(200);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
     if (cycle == cycles / 2) switchView();
     xrandr(changes[cycle % 4]);
     xrandr(layout);
@@ -83,7 +95,7 @@ void ReliabilityCase::unplugAndReplug() {
 // times over: while the mirror waits to be placed (the first case), and, pinned, while it is
 // restacked above the editor (the second).
 void ReliabilityCase::editorWindowsComeAndGo() {
-  const int windows = scaled(100);
+  const int windows = iterations_ = scaled(100);
   Process churn(
       {ORLET_STANDIN_BINARY, "--class", "CaptureOne", "--instance", "captureone", "--title",
        "Capture One 23", "--geometry", "640x400+400+300", "--churn", std::to_string(windows)},
@@ -117,6 +129,21 @@ void ReliabilityCase::cardsFollowTheScreen() {
     paintSecondPatch({0x3a7bd5, 0xd0d040, kSecondColour});
     switchView();
   }
+}
+
+// A screen whose pixels ORLET cannot read, the mirror shown and hidden many times: each time it
+// says why in words, and the log says it once in all.
+void ReliabilityCase::saysWhyAgainAndAgain() {
+  iterations_ = scaled(100);
+  for (int cycle = 0, cycles = iterations_; cycle < cycles && !HasFatalFailure(); ++cycle) {
+    toggleMirror();
+    toggleMirror();
+    ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 6s)) << "cycle " << cycle;
+  }
+  const std::string line = "orlet: the displays cannot be shown: unsupported root window format";
+  const auto output = orlet_->output();
+  EXPECT_NE(output.find(line), std::string::npos) << output;
+  EXPECT_EQ(output.find(line), output.rfind(line)) << output;
 }
 
 // The "painted" count of the latest stats line ORLET wrote.
@@ -164,9 +191,26 @@ void ReliabilityCase::soakAtFullMotion() {
   EXPECT_GE(2 * (paintedEnd - paintedHalf), paintedHalf - paintedWarm);
 }
 
+void ReliabilityCase::runTimed() {
+  const auto start = std::chrono::steady_clock::now();
+  (this->*GetParam().run)();
+  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  std::cout << GetParam().name << ": " << iterations_ << " steps in " << took.count() / 1000
+            << " s, " << took.count() / iterations_ << " ms each" << std::endl;
+  RecordProperty("ms_per_step", std::to_string(std::lround(took.count() / iterations_)));
+}
+
 // Every case starts from the grid, shown, once both views have shown a few changes (each makes its
 // captures, buffers and widgets as first needed).
 TEST_P(ReliabilityCase, HoldsUp) {
+  if (GetParam().unreadable) {
+    toggleMirror();
+    ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 11s));
+    const auto before = footprint();
+    runTimed();
+    if (!HasFatalFailure()) expectNothingHeld(before);
+    return;
+  }
   toggleWithShortcut();
   ASSERT_TRUE(showsBothDisplays());
   for (int view = 0; view < 2; ++view) {
@@ -174,7 +218,7 @@ TEST_P(ReliabilityCase, HoldsUp) {
     switchView();
   }
   const auto before = footprint();
-  (this->*GetParam().run)();
+  runTimed();
   if (HasFatalFailure()) return;
   expectHeldUp(before);
 }
@@ -189,6 +233,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"WindowManagerReplaced", "", &ReliabilityCase::windowManagerReplaced},
         Case{"WithoutSharedMemory", "--no-shm", &ReliabilityCase::cardsFollowTheScreen},
         Case{"ThirtyBitDepth", "--depth 30", &ReliabilityCase::cardsFollowTheScreen},
+        Case{"SixteenBitDepth", "--depth 16", &ReliabilityCase::saysWhyAgainAndAgain, false, true},
         Case{"SoakAtFullMotion", "", &ReliabilityCase::soakAtFullMotion}),
     [](const auto& info) { return std::string(info.param.name); });
 

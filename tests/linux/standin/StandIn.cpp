@@ -146,6 +146,9 @@ void run(xcb_connection_t* c, xcb_key_symbols_t* keys) {
       const auto* e = reinterpret_cast<xcb_key_press_event_t*>(event);
       report(type == XCB_KEY_PRESS ? "key 0x%x" : "keyup 0x%x",
              xcb_key_symbols_get_keysym(keys, e->detail, 0));
+    } else if (type == XCB_MAPPING_NOTIFY) {
+      // Another keyboard layout: keys are named from the new one, as any application names them.
+      xcb_refresh_keyboard_mapping(keys, reinterpret_cast<xcb_mapping_notify_event_t*>(event));
     }
     std::free(event);
   }

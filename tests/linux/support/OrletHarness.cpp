@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace orlet::x11test {
 namespace fs = std::filesystem;
@@ -148,10 +149,17 @@ xcb_window_t OrletTest::mirror() {
   return orletWindow([](const WindowRect& r) { return r.width >= 200 && r.height >= 100; });
 }
 
+// Some window managers (Mutter) move a window again just after mapping it: the place is read
+// once two looks agree.
 WindowRect OrletTest::showMirror() {
   click(centreOf(rectOf(button())));
   EXPECT_TRUE(eventually([&] { return isShown(mirror()); }));
-  return rectOf(mirror());
+  WindowRect last;
+  eventually([&] {
+    const auto now = rectOf(mirror());
+    return std::exchange(last, now) == now;
+  });
+  return last;
 }
 
 std::optional<xcb_window_t> OrletTest::popup() {

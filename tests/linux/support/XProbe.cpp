@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 
@@ -196,23 +197,52 @@ std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r) {
       xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(r.x),
                     std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), ~0u),
       nullptr));
-  if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * 4)) return result;
-  const auto* data = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get()));
-  for (std::size_t i = 0; i < result.size(); ++i) result[i] = fromPixel(data[i]);
+  const std::size_t bytes = screen_->root_depth == 16 ? 2 : 4;
+  if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * bytes)) return result;
+  const std::uint8_t* data = xcb_get_image_data(image.get());
+  for (std::size_t i = 0; i < result.size(); ++i) {
+    std::uint32_t pixel = 0;
+    std::memcpy(&pixel, data + i * bytes, bytes);
+    result[i] = fromPixel(pixel);
+  }
   return result;
 }
 
-// A 30-bit root keeps ten bits a channel (2:10:10:10); every other depth here is 8:8:8.
+// A 30-bit root keeps ten bits a channel (2:10:10:10), a 16-bit one 5:6:5; every other depth
+// here is 8:8:8.
 std::uint32_t XProbe::toPixel(std::uint32_t rgb) const {
-  if (screen_->root_depth != 30) return rgb;
-  const auto widen = [&](int shift) { return ((rgb >> shift) & 0xFF) * 1023 / 255; };
-  return widen(16) << 20 | widen(8) << 10 | widen(0);
+  const auto channel = [&](int shift, int bits) {
+    return ((rgb >> shift) & 0xFF) * ((1u << bits) - 1) / 255;
+  };
+  if (screen_->root_depth == 30)
+    return channel(16, 10) << 20 | channel(8, 10) << 10 | channel(0, 10);
+  if (screen_->root_depth == 16) return channel(16, 5) << 11 | channel(8, 6) << 5 | channel(0, 5);
+  return rgb;
 }
 
 std::uint32_t XProbe::fromPixel(std::uint32_t pixel) const {
-  if (screen_->root_depth != 30) return pixel & 0xFFFFFF;
-  const auto narrow = [&](int shift) { return ((pixel >> shift) & 0x3FF) * 255 / 1023; };
-  return narrow(20) << 16 | narrow(10) << 8 | narrow(0);
+  const auto channel = [&](int shift, int bits) {
+    return ((pixel >> shift) & ((1u << bits) - 1)) * 255 / ((1u << bits) - 1);
+  };
+  if (screen_->root_depth == 30)
+    return channel(20, 10) << 16 | channel(10, 10) << 8 | channel(0, 10);
+  if (screen_->root_depth == 16) return channel(11, 5) << 16 | channel(5, 6) << 8 | channel(0, 5);
+  return pixel & 0xFFFFFF;
+}
+
+bool XProbe::withinOneDisplay(const WindowRect& r) {
+  Reply<xcb_randr_get_monitors_reply_t> monitors(
+      xcb_randr_get_monitors_reply(c_, xcb_randr_get_monitors(c_, screen_->root, 1), nullptr));
+  if (!monitors || r.width <= 0) return false;
+  for (auto it = xcb_randr_get_monitors_monitors_iterator(monitors.get()); it.rem > 0;
+       xcb_randr_monitor_info_next(&it)) {
+    const auto& m = *it.data;
+    if (r.x >= m.x && r.y >= m.y && r.x + r.width <= m.x + m.width &&
+        r.y + r.height <= m.y + m.height) {
+      return true;
+    }
+  }
+  return false;
 }
 
 xcb_randr_output_t XProbe::output(const std::string& name) {

@@ -53,6 +53,9 @@ class XProbe {
   bool hasState(xcb_window_t window, xcb_atom_t state);
   std::optional<std::uint32_t> desktop(xcb_window_t window);
   WindowRect rect(xcb_window_t window);  // empty when the window is gone
+  // `r` lies wholly on one display (RandR monitor), as a window manager that places windows
+  // itself keeps them.
+  bool withinOneDisplay(const WindowRect& r);
   // Where the pointer is, in root coordinates.
   std::pair<int, int> pointer();
 

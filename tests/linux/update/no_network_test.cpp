@@ -5,9 +5,9 @@
 #include <filesystem>
 
 #include "Session.h"
-#include "app/UpdateManager.h"
 #include "linux/qt/QtScheduler.h"
 #include "linux/update/NetlinkPathMonitor.h"
+#include "support/UpdateManagerRig.h"
 
 namespace orlet {
 namespace {
@@ -15,20 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char insideVariable[] = "ORLET_TEST_INSIDE_EMPTY_NETWORK";
-
-class RecordingAlerts final : public AlertPresenter {
- public:
-  int runModal(const Alert& alert) override {
-    shown.push_back(alert);
-    return 0;
-  }
-  std::vector<Alert> shown;
-};
-
-class NeverUpdater final : public UpdaterController {
- public:
-  void checkForUpdates() override {}
-};
 
 // Run by the test below inside a network namespace that has only its loopback interface, down.
 TEST(EmptyNetworkNamespace, ChecksShowTheAlertAndMakeNoUpdater) {
@@ -39,21 +25,17 @@ TEST(EmptyNetworkNamespace, ChecksShowTheAlertAndMakeNoUpdater) {
   QCoreApplication app(argc, argv);
   EXPECT_EQ(linux_update::hasDefaultRoute(), false);
   linux_qt::QtScheduler scheduler;
-  RecordingAlerts alerts;
-  int updaters = 0;
-  UpdateManager manager({scheduler, alerts,
-                         [] { return std::make_shared<linux_update::NetlinkPathMonitor>(); },
-                         [&] {
-                           ++updaters;
-                           return std::make_unique<NeverUpdater>();
-                         }});
+  test::UpdateManagerRig rig(scheduler,
+                             [] { return std::make_shared<linux_update::NetlinkPathMonitor>(); });
+  auto& manager = *rig.manager;
+  const auto& alerts = rig.alerts;
   manager.checkForUpdates();
   manager.checkForUpdates();
   EXPECT_TRUE(x11test::eventually([&] { return alerts.shown.size() == 2; }, 5s,
                                   [] { QCoreApplication::processEvents(); }));
   ASSERT_FALSE(alerts.shown.empty());
   EXPECT_EQ(alerts.shown[0].messageText, "Connexion Internet requise");
-  EXPECT_EQ(updaters, 0);
+  EXPECT_EQ(rig.updatersMade, 0);
 }
 
 TEST(NoNetwork, AnEmptyNetworkNamespaceShowsTheAlertAndMakesNoUpdater) {

@@ -8,6 +8,7 @@
 #include "linux/qt/views/DisplayGridView.h"
 #include "linux/qt/views/DisplayPreviewView.h"
 #include "linux/qt/views/PermissionCardView.h"
+#include "linux/qt/views/UnreadableScreenView.h"
 
 namespace orlet::linux_qt {
 namespace {
@@ -25,7 +26,8 @@ WindowSelectorView::WindowSelectorView(const MirrorViewPorts& ports, QWidget* pa
       card_(new PermissionCardView([this] { model_.openScreenRecordingSettings(); }, this)),
       loading_(new BusyIndicator(QStringLiteral("Chargement des écrans..."), kLoadingScale, this)),
       grid_(new DisplayGridView(
-          ports_, [this](const Display& d) { model_.select(d); }, this)) {
+          ports_, [this](const Display& d) { model_.select(d); }, this)),
+      unreadable_(new UnreadableScreenView(this)) {
   setMinimumSize(kMinimumSide, kMinimumSide);
   changes_ = model_.observeChanges([this] { render(); });
   // The program becomes active when one of its windows is given the focus (its settings, say):
@@ -51,6 +53,8 @@ void WindowSelectorView::render() {
   card_->setVisible(foreground == SelectorForeground::permissionCard);
   loading_->setVisible(foreground == SelectorForeground::loading);
   grid_->setVisible(foreground == SelectorForeground::grid);
+  unreadable_->setDepth(model_.dm().unreadableDepth.get());
+  unreadable_->setVisible(foreground == SelectorForeground::unreadableScreen);
   layoutParts();
 }
 
@@ -73,6 +77,7 @@ void WindowSelectorView::renderEnlarged() {
 void WindowSelectorView::layoutParts() {
   card_->setGeometry(rect());
   grid_->setGeometry(rect());
+  unreadable_->setGeometry(rect());
   const QSize hint = loading_->sizeHint();
   loading_->setGeometry(
       QRect(QPoint((width() - hint.width()) / 2, (height() - hint.height()) / 2), hint));

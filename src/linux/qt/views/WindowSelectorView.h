@@ -13,9 +13,11 @@ class BusyIndicator;
 class DisplayGridView;
 class DisplayPreviewView;
 class PermissionCardView;
+class UnreadableScreenView;
 
 // The mirror panel's content: over a gradient, the permission card, the loading indicator,
-// the grid of displays or the enlarged mirror of the chosen one.
+// the grid of displays or the enlarged mirror of the chosen one; instead of an empty grid, why
+// the screen cannot be read.
 class WindowSelectorView final : public QWidget {
  public:
   explicit WindowSelectorView(const MirrorViewPorts& ports, QWidget* parent = nullptr);
@@ -28,6 +30,7 @@ class WindowSelectorView final : public QWidget {
   BusyIndicator* loadingIndicator() const { return loading_; }
   DisplayGridView* grid() const { return grid_; }
   DisplayPreviewView* enlarged() const { return enlarged_.get(); }
+  UnreadableScreenView* unreadableScreen() const { return unreadable_; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -45,6 +48,7 @@ class WindowSelectorView final : public QWidget {
   PermissionCardView* card_;
   BusyIndicator* loading_;
   DisplayGridView* grid_;
+  UnreadableScreenView* unreadable_;
   std::unique_ptr<DisplayPreviewView> enlarged_;
   Subscription changes_;
   bool appeared_ = false;
