@@ -116,6 +116,12 @@ window_manager() {
   esac
 }
 
+# The session's two displays: 1920x1080 primary at 0,0 and 2560x1440 at 1920,0.
+lay_out() {
+  xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
+    --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
+}
+
 start() {
   local wm=${ORLET_TEST_WM:-openbox} tray=0 depth=24 extensions=()
   while (($#)); do
@@ -178,10 +184,11 @@ CONF
   xrandr --newmode 3840x2160_60 712.75 3840 4160 4576 5312 2160 2163 2168 2237 -hsync +vsync
   xrandr --addmode DUMMY1 2560x1440_60
   xrandr --addmode DUMMY1 3840x2160_60
-  xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
-    --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
+  lay_out
   xsetroot -solid '#3c4048' 2>/dev/null || true
   if [[ -n $wm ]]; then start_wm "$wm"; fi
+  # Mutter applies a layout of its own when it starts: give the session's back.
+  if [[ $wm == mutter ]]; then lay_out; fi
   if ((tray)); then start_tray; fi
 }
 
