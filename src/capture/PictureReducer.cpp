@@ -145,7 +145,9 @@ std::pair<int, int> PictureReducer::reach(const std::vector<Taps>& taps, int fro
 }
 
 ReducedDown PictureReducer::reducedDown() const {
-  ReducedDown down{averagedWidth_, height(), {}};
+  ReducedDown down;
+  down.columns = averagedWidth_;
+  down.rows = height();
   down.sums.resize(down.stride() * std::size_t(down.rows));
   return down;
 }
@@ -210,11 +212,9 @@ void PictureReducer::reduceDown(const std::uint8_t* pixels, std::size_t stride,
   if (to.isEmpty() || down.columns != averagedWidth_ || down.rows != height()) return;
   const auto [begin, end] = within(to.y, to.maxY());
   if (begin >= end) return;
-  std::vector<std::uint8_t> blocks;
   if (block_ > 1) {
-    blocks.resize(std::size_t(to.area()) * channels);
-    average(pixels, stride, area, blocks.data());
-    pixels = blocks.data();
+    average(pixels, stride, area, down);
+    pixels = down.averaged.data();
     stride = std::size_t(to.width) * channels;
   }
   for (int y = begin; y < end; ++y) {
@@ -225,19 +225,24 @@ void PictureReducer::reduceDown(const std::uint8_t* pixels, std::size_t stride,
   }
 }
 
-// Averages the source pixels of `source` (whole blocks) into its blocks at `out`, packed rows.
+// Averages the source pixels of `source` (whole blocks) into its blocks, packed rows, in
+// `down.averaged`.
 void PictureReducer::average(const std::uint8_t* pixels, std::size_t stride,
-                             const PixelRect& source, std::uint8_t* out) const {
+                             const PixelRect& source, ReducedDown& down) const {
   const PixelRect to = averaged(source);
-  std::vector<std::uint16_t> sums(std::size_t(source.width) * channels);
-  std::vector<std::uint16_t> blocks(std::size_t(to.width) * channels);
+  down.averaged.resize(std::size_t(to.area()) * channels);
+  down.rowSums.resize(std::size_t(source.width) * channels);
+  down.blockSums.resize(std::size_t(to.width) * channels);
+  std::vector<std::uint16_t>& sums = down.rowSums;
+  const std::uint16_t* blocks = down.blockSums.data();
+  std::uint8_t* out = down.averaged.data();
   const int whole = source.width / block_;  // blocks of full width; the last may be narrower
   for (int by = 0; by < to.height; ++by, out += std::size_t(to.width) * channels) {
     const int top = by * block_;
     const int rows = std::min(block_, source.height - top);
     std::fill(sums.begin(), sums.end(), 0);
     addRows(pixels + stride * std::size_t(top), stride, rows, source.width * channels, sums.data());
-    foldColumns(block_, sums.data(), whole, blocks.data());
+    foldColumns(block_, sums.data(), whole, down.blockSums.data());
     const int shift = 2 * blockShift_;
     const int n = whole * channels;
     if (rows == block_) {

@@ -17,6 +17,11 @@ struct ReducedDown {
   int columns = 0;
   int rows = 0;
   std::vector<std::int16_t> sums;
+  // Working space, kept from one change to the next so that a frame allocates nothing: the
+  // averaged blocks of the area being reduced, and one row of block sums.
+  std::vector<std::uint8_t> averaged;
+  std::vector<std::uint16_t> rowSums;
+  std::vector<std::uint16_t> blockSums;
   std::size_t stride() const { return std::size_t(columns) * 4; }
   const std::int16_t* row(int y) const { return sums.data() + stride() * std::size_t(y); }
   std::int16_t* mutableRow(int y) { return sums.data() + stride() * std::size_t(y); }
@@ -79,7 +84,7 @@ class PictureReducer {
   // The output rows whose pixels all lie in averaged rows [from, to).
   std::pair<int, int> within(int from, int to) const;
   void average(const std::uint8_t* pixels, std::size_t stride, const PixelRect& source,
-               std::uint8_t* out) const;
+               ReducedDown& down) const;
 
   int sourceWidth_;
   int sourceHeight_;
