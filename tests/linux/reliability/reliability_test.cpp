@@ -146,6 +146,18 @@ void ReliabilityCase::saysWhyAgainAndAgain() {
   EXPECT_EQ(output.find(line), output.rfind(line)) << output;
 }
 
+// AddressSanitizer holds freed memory in quarantine, so ORLET's resident size grows while that
+// fills whatever ORLET does; memory is judged in the optimised build, which CI runs too.
+constexpr bool underAddressSanitizer() {
+#if defined(__SANITIZE_ADDRESS__)
+  return true;
+#elif defined(__has_feature)
+  return __has_feature(address_sanitizer);
+#else
+  return false;
+#endif
+}
+
 // The "painted" count of the latest stats line ORLET wrote.
 long paintedSoFar(const std::string& output) {
   static const std::regex line("painted ([0-9]+)");
@@ -185,8 +197,10 @@ void ReliabilityCase::soakAtFullMotion() {
   std::cout << "soak of " << frame << " frames; after warming up: " << warm
             << "\nat the end: " << end << "\npainted " << paintedHalf - paintedWarm << " then "
             << paintedEnd - paintedHalf << std::endl;
-  EXPECT_LT(end.residentKb - warm.residentKb, 2048);
-  EXPECT_LE(end.peakResidentKb, warm.peakResidentKb * 105 / 100);
+  if (!underAddressSanitizer()) {
+    EXPECT_LT(end.residentKb - warm.residentKb, 2048);
+    EXPECT_LE(end.peakResidentKb, warm.peakResidentKb * 105 / 100);
+  }
   EXPECT_GT(paintedHalf, paintedWarm);
   EXPECT_GE(2 * (paintedEnd - paintedHalf), paintedHalf - paintedWarm);
 }
