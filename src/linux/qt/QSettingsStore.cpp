@@ -1,5 +1,8 @@
 #include "linux/qt/QSettingsStore.h"
 
+#include <QFile>
+#include <QLockFile>
+
 namespace orlet::linux_qt {
 
 QSettingsStore::QSettingsStore(std::ostream& diagnostics, const QString& path)
@@ -10,6 +13,21 @@ QSettingsStore::QSettingsStore(std::ostream& diagnostics, const QString& path)
   // QSettings' default, made explicit: without it a read-only folder makes QSettings overwrite
   // the file in place, where a crash halfway leaves half a file.
   settings_->setAtomicSyncRequired(true);
+  removeEmptyLock(settings_->fileName() + ".lock");
+}
+
+// QSettings takes a lock file for each write. A writer killed between creating that file and
+// filling it in leaves it empty, and QSettings then waits 30 s, on the main thread, before it
+// calls the lock stale. A live writer fills it in at once, and one ORLET runs per session, so an
+// empty lock at start-up is such a leftover. (A lock naming a process that is gone, QSettings
+// clears by itself.)
+void QSettingsStore::removeEmptyLock(const QString& lockPath) {
+  qint64 pid = 0;
+  QString host;
+  QString application;
+  if (QFile::exists(lockPath) && !QLockFile(lockPath).getLockInfo(&pid, &host, &application)) {
+    QFile::remove(lockPath);
+  }
 }
 
 std::optional<DefaultsValue> QSettingsStore::value(const std::string& key) const {

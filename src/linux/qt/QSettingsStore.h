@@ -30,6 +30,7 @@ class QSettingsStore final : public DefaultsStore {
   bool isUsable() const;
 
  private:
+  static void removeEmptyLock(const QString& lockPath);
   void write();
   void report(bool failed);
 
