@@ -1,5 +1,7 @@
 #include "ReliabilityHarness.h"
 
+#include <X11/keysym.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -39,6 +41,11 @@ double reliabilityScale() {
   return scale && *scale ? std::atof(scale) : 0.02;
 }
 
+double soakScale() {
+  const char* scale = std::getenv("ORLET_RELIABILITY_SOAK_SCALE");
+  return scale && *scale ? std::atof(scale) : reliabilityScale();
+}
+
 int scaled(int fullCount) {
   return std::max(2, int(std::lround(fullCount * reliabilityScale())));
 }
@@ -60,7 +67,7 @@ void ReliabilityTest::SetUp() {
 
 void ReliabilityTest::toggleMirror() {
   const bool wasShown = isShown(mirror());
-  xdotool("key ctrl+k");
+  x_->press({XK_Control_L, XK_k});
   ASSERT_TRUE(eventually([&] { return isShown(mirror()) != wasShown; }, 10s));
 }
 
@@ -92,12 +99,13 @@ void ReliabilityTest::switchView() {
   const auto m = rectOf(mirror());
   const bool enlarged = isEnlarged();
   if (enlarged) {
-    click({m.x + 19, m.y + 19});  // the back button, top left
+    x_->click(m.x + 19, m.y + 19);  // the back button, top left
   } else {
     // A grid just shown may still be listing the displays: click once the card is there.
     EXPECT_TRUE(eventually([&] { return secondCardShowsPatch(); }, 10s))
         << "a display card stayed still in the grid";
-    click(inCard(m, 1, kSecondDisplay, middle(kSecondPatch)));
+    const auto card = inCard(m, 1, kSecondDisplay, middle(kSecondPatch));
+    x_->click(card.x, card.y);
   }
   ASSERT_TRUE(eventually([&] { return isEnlarged() != enlarged; }, 10s));
 }

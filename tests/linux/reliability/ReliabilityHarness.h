@@ -13,6 +13,9 @@ namespace orlet::x11test {
 // counts; a fiftieth unless set.
 double reliabilityScale();
 int scaled(int fullCount);
+// The soak's length as a share of its 10 minutes: ORLET_RELIABILITY_SOAK_SCALE, else the same
+// share as the counts.
+double soakScale();
 
 // Where the global point `p` of a 16:9 display at `display` appears in the card at `index` of
 // the mirror `m`.

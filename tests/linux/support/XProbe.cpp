@@ -2,6 +2,7 @@
 
 #include <xcb/res.h>
 #include <xcb/xcb_keysyms.h>
+#include <xcb/xtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -274,6 +275,38 @@ void XProbe::setOutputBytes(xcb_randr_output_t output, const std::string& name,
 
 // A round trip: every request sent before it has been handled when it returns.
 void XProbe::sync() {
+  std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+}
+
+void XProbe::press(std::initializer_list<std::uint32_t> keysyms) {
+  auto* symbols = xcb_key_symbols_alloc(c_);
+  std::vector<xcb_keycode_t> codes;
+  for (auto keysym : keysyms) {
+    xcb_keycode_t* found = xcb_key_symbols_get_keycode(symbols, keysym);
+    if (!found || found[0] == XCB_NO_SYMBOL) {
+      std::free(found);
+      xcb_key_symbols_free(symbols);
+      throw std::runtime_error("no key types keysym " + std::to_string(keysym));
+    }
+    codes.push_back(found[0]);
+    std::free(found);
+  }
+  xcb_key_symbols_free(symbols);
+  for (auto code : codes) {
+    xcb_test_fake_input(c_, XCB_KEY_PRESS, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+  }
+  for (auto code = codes.rbegin(); code != codes.rend(); ++code) {
+    xcb_test_fake_input(c_, XCB_KEY_RELEASE, *code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+  }
+  std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+}
+
+void XProbe::click(int x, int y, int button) {
+  const auto detail = static_cast<std::uint8_t>(button);
+  xcb_test_fake_input(c_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, screen_->root,
+                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+  xcb_test_fake_input(c_, XCB_BUTTON_PRESS, detail, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+  xcb_test_fake_input(c_, XCB_BUTTON_RELEASE, detail, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
   std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
 }
 

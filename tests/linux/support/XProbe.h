@@ -6,6 +6,7 @@
 #include <xcb/xcb_ewmh.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
@@ -69,6 +70,11 @@ class XProbe {
   // metacity honours where it refuses an application's own raise while another is active; with
   // a window manager that lacks it (xfwm4), as the application itself asks.
   void raise(xcb_window_t window);
+  // Input as the user's hands give it, through XTEST from this connection, and handled by the
+  // server by the time these return: cheaper than a tool's process when a test gives thousands.
+  // `keysyms` are pressed in order and released in reverse (Control_L then k: control+k).
+  void press(std::initializer_list<std::uint32_t> keysyms);
+  void click(int x, int y, int button = 1);
   // Grabs the key typing `keysym` under exactly `modifiers` on the root window, as another
   // program's global shortcut would; false when the server refuses.
   bool grabKey(std::uint32_t keysym, std::uint16_t modifiers);
