@@ -190,12 +190,13 @@ void XProbe::fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb) {
   sync();
 }
 
-std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r) {
+std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r, xcb_window_t window) {
   std::vector<std::uint32_t> result(std::size_t(r.width) * std::size_t(r.height));
   Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
       c_,
-      xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(r.x),
-                    std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), ~0u),
+      xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, window ? window : screen_->root,
+                    std::int16_t(r.x), std::int16_t(r.y), std::uint16_t(r.width),
+                    std::uint16_t(r.height), ~0u),
       nullptr));
   const std::size_t bytes = screen_->root_depth == 16 ? 2 : 4;
   if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * bytes)) return result;

@@ -62,8 +62,9 @@ class XProbe {
   // An unmanaged window filled with `rgb` (0xRRGGBB), kept below every other window.
   xcb_window_t paint(const WindowRect& r, std::uint32_t rgb);
   void fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb);
-  // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable).
-  std::vector<std::uint32_t> pixels(const WindowRect& r);
+  // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable);
+  // with `window`, what that window drew in `r`, in its own coordinates, whatever is on screen.
+  std::vector<std::uint32_t> pixels(const WindowRect& r, xcb_window_t window = XCB_NONE);
   std::uint32_t pixel(int x, int y) { return pixels({x, y, 1, 1}).front(); }
   // Raises `window` to the top of its layer as a pager asks it (_NET_RESTACK_WINDOW), which
   // metacity honours where it refuses an application's own raise while another is active; with
