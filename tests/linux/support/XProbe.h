@@ -70,6 +70,10 @@ class XProbe {
   // metacity honours where it refuses an application's own raise while another is active; with
   // a window manager that lacks it (xfwm4), as the application itself asks.
   void raise(xcb_window_t window);
+  // Makes `window` the active one as a taskbar or pager asks it (_NET_ACTIVE_WINDOW), with the
+  // time of the user's action: a window manager that prevents focus stealing weighs that time
+  // against the other windows' (xdotool sends none).
+  void activate(xcb_window_t window);
   // Grabs the key typing `keysym` under exactly `modifiers` on the root window, as another
   // program's global shortcut would; false when the server refuses.
   bool grabKey(std::uint32_t keysym, std::uint16_t modifiers);
@@ -99,10 +103,13 @@ class XProbe {
   bool isDock(xcb_window_t window);
   std::optional<pid_t> pidOf(xcb_window_t window);
   void sync();
+  // The server's time now: what an input event would carry.
+  xcb_timestamp_t serverTime();
 
   xcb_connection_t* c_;
   xcb_ewmh_connection_t ewmh_{};
   xcb_screen_t* screen_ = nullptr;
+  xcb_window_t clock_ = XCB_NONE;  // whose property changes tell the server's time
 };
 
 }  // namespace orlet::x11test
