@@ -89,6 +89,9 @@ start_wm() {
     tail -20 "$rundir/wm.log" >&2 || true
     exit 1
   fi
+  # KWin leaves the bare desktop's pointer to Plasma's start-up, which makes it the arrow: without
+  # it the X server's cross would show there.
+  if [[ $1 == kwin ]]; then xsetroot -cursor_name left_ptr; fi
 }
 
 # The window manager: stopped, started, or replaced by a new one through the WM_S0 selection

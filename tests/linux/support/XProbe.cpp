@@ -191,12 +191,13 @@ void XProbe::fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb) {
   sync();
 }
 
-std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r) {
+std::vector<std::uint32_t> XProbe::pixels(const WindowRect& r, xcb_window_t window) {
   std::vector<std::uint32_t> result(std::size_t(r.width) * std::size_t(r.height));
   Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
       c_,
-      xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, std::int16_t(r.x),
-                    std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), ~0u),
+      xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, window ? window : screen_->root,
+                    std::int16_t(r.x), std::int16_t(r.y), std::uint16_t(r.width),
+                    std::uint16_t(r.height), ~0u),
       nullptr));
   const std::size_t bytes = screen_->root_depth == 16 ? 2 : 4;
   if (!image || xcb_get_image_data_length(image.get()) < int(result.size() * bytes)) return result;
@@ -326,6 +327,35 @@ void XProbe::raise(xcb_window_t window) {
     xcb_configure_window(c_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
   }
   xcb_flush(c_);
+}
+
+void XProbe::activate(xcb_window_t window) {
+  xcb_ewmh_request_change_active_window(&ewmh_, 0, window, XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
+                                        serverTime(), activeWindow());
+  xcb_flush(c_);
+}
+
+// A zero-length append changes nothing but still reports the change, with the server's time
+// (ICCCM 2.1).
+xcb_timestamp_t XProbe::serverTime() {
+  if (!clock_) {
+    clock_ = xcb_generate_id(c_);
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(c_, 0, clock_, screen_->root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+  }
+  xcb_change_property(c_, XCB_PROP_MODE_APPEND, clock_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
+                      nullptr);
+  xcb_flush(c_);
+  while (auto* event = xcb_wait_for_event(c_)) {
+    const auto* change = reinterpret_cast<xcb_property_notify_event_t*>(event);
+    const bool ours =
+        (event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change->window == clock_;
+    const xcb_timestamp_t time = ours ? change->time : XCB_CURRENT_TIME;
+    std::free(event);
+    if (ours) return time;
+  }
+  return XCB_CURRENT_TIME;
 }
 
 bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {

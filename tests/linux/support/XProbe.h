@@ -63,8 +63,9 @@ class XProbe {
   // An unmanaged window filled with `rgb` (0xRRGGBB), kept below every other window.
   xcb_window_t paint(const WindowRect& r, std::uint32_t rgb);
   void fill(xcb_window_t window, const WindowRect& r, std::uint32_t rgb);
-  // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable).
-  std::vector<std::uint32_t> pixels(const WindowRect& r);
+  // The screen's pixels in root rectangle `r` as 0xRRGGBB, row by row (zeros if unreadable);
+  // with `window`, what that window drew in `r`, in its own coordinates, whatever is on screen.
+  std::vector<std::uint32_t> pixels(const WindowRect& r, xcb_window_t window = XCB_NONE);
   std::uint32_t pixel(int x, int y) { return pixels({x, y, 1, 1}).front(); }
   // Raises `window` to the top of its layer as a pager asks it (_NET_RESTACK_WINDOW), which
   // metacity honours where it refuses an application's own raise while another is active; with
@@ -75,6 +76,10 @@ class XProbe {
   // `keysyms` are pressed in order and released in reverse (Control_L then k: control+k).
   void press(std::initializer_list<std::uint32_t> keysyms);
   void click(int x, int y, int button = 1);
+  // Makes `window` the active one as a taskbar or pager asks it (_NET_ACTIVE_WINDOW), with the
+  // time of the user's action: a window manager that prevents focus stealing weighs that time
+  // against the other windows' (xdotool sends none).
+  void activate(xcb_window_t window);
   // Grabs the key typing `keysym` under exactly `modifiers` on the root window, as another
   // program's global shortcut would; false when the server refuses.
   bool grabKey(std::uint32_t keysym, std::uint16_t modifiers);
@@ -104,10 +109,13 @@ class XProbe {
   bool isDock(xcb_window_t window);
   std::optional<pid_t> pidOf(xcb_window_t window);
   void sync();
+  // The server's time now: what an input event would carry.
+  xcb_timestamp_t serverTime();
 
   xcb_connection_t* c_;
   xcb_ewmh_connection_t ewmh_{};
   xcb_screen_t* screen_ = nullptr;
+  xcb_window_t clock_ = XCB_NONE;  // whose property changes tell the server's time
 };
 
 }  // namespace orlet::x11test

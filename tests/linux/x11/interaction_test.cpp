@@ -200,20 +200,34 @@ TEST_F(InteractionTest, ThePointerCrossesBetweenMirrorAndDisplay) {
   EXPECT_TRUE(eventually([&] { return closeTo(pointer(), beside); })) << pointer().first;
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
 
-  // Dragged by its band above the picture, the way a hand moves, onto the display's edge: no
-  // jump while it moves; once it is left alone the pointer comes back beside it.
-  moveTo(m.x + m.width / 2, m.y + 20);
+  // Dragged by its band above the picture, the way a hand moves, across the display's edge and
+  // let go further in: no jump while the pointer is on the edge, so the mirror ends where the
+  // hand took it. (Let go on the edge itself, KWin and metacity would tile it there.)
+  const int grab = m.x + m.width / 2, release = 2120;
+  moveTo(grab, m.y + 20);
   xdotool("mousedown 1");
-  for (int x = m.x + m.width / 2 + 40; x < 1880; x += 40) moveTo(x, m.y + 20);
-  ASSERT_TRUE(eventually([&] { return rectOf(mirror()).x > m.x + 1000; }));
+  int x = grab + 40;
+  for (; x < 1880; x += 40) moveTo(x, m.y + 20);
+  WindowRect moving;  // where the mirror follows the pointer, once it has caught up
+  ASSERT_TRUE(eventually([&] {
+    const auto now = rectOf(mirror());
+    return now.x > m.x + 1000 && std::exchange(moving, now) == now;
+  }));
+  const int held = x - 40 - moving.x;  // where the hand holds it, from its left edge
   moveTo(1921, m.y + 20);
-  EXPECT_TRUE(staysFor(400ms,
+  EXPECT_TRUE(staysFor(250ms,
                        [&] {
                          return pointer() == std::pair<int, int>{1921, m.y + 20};
                        }))
       << pointer().first << "," << pointer().second << " mirror at " << rectOf(mirror()).x;
+  for (x = 1961; x < release; x += 40) moveTo(x, m.y + 20);
+  moveTo(release, m.y + 20);
   xdotool("mouseup 1");
-  EXPECT_TRUE(eventually([&] { return pointer().first < 1900; })) << pointer().first;
+  EXPECT_TRUE(eventually([&] {
+    const auto r = rectOf(mirror());
+    return std::abs(r.x - (release - held)) <= 2 && r.y == m.y && r.width == m.width;
+  })) << rectOf(mirror()).x
+      << "," << rectOf(mirror()).y << " " << rectOf(mirror()).width;
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
 
   // Pinned, the mirror stays while another application is in front; the pointer stays in it.
