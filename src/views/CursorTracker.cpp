@@ -4,17 +4,15 @@ namespace orlet {
 
 CursorTracker::CursorTracker(Scheduler& scheduler, const CursorSource& cursor,
                              const WindowServer& pointer)
-    : scheduler_(scheduler),
-      cursor_(cursor),
-      pointer_(pointer),
-      timer_(scheduler, pointer, sampleInterval, [this] { updateCursor(); }) {}
+    : scheduler_(scheduler), cursor_(cursor), pointer_(pointer) {}
 
 void CursorTracker::startTracking(std::uint32_t) {
-  timer_.start();
+  if (timer_.isValid()) return;
+  timer_ = scheduler_.every(sampleInterval, lifetime_.guard([this] { updateCursor(); }));
 }
 
 void CursorTracker::stopTracking() {
-  timer_.stop();
+  timer_ = ScopedWorkItem();
 }
 
 // The pointer is read in root coordinates, top-left origin, the system the mirror uses: no

@@ -5,19 +5,17 @@
 
 namespace orlet {
 
-MouseTeleportManager::MouseTeleportManager(const Ports& ports)
-    : ports_(ports),
-      timer_(ports.scheduler, ports.windowServer, checkInterval, [this] { checkMousePosition(); }) {
-}
+MouseTeleportManager::MouseTeleportManager(const Ports& ports) : ports_(ports) {}
 
 void MouseTeleportManager::startMonitoring(std::uint32_t displayId) {
   targetDisplayID_ = displayId;
   targetDisplayBounds_ = ports_.displayInfo.bounds(displayId);
-  timer_.start();
+  if (timer_.isValid()) return;
+  timer_ = ports_.scheduler.every(checkInterval, lifetime_.guard([this] { checkMousePosition(); }));
 }
 
 void MouseTeleportManager::stopMonitoring() {
-  timer_.stop();
+  timer_ = ScopedWorkItem();
   targetDisplayID_.reset();
   announced_ = false;
   isMouseOnTargetDisplay.set(false);

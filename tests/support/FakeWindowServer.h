@@ -22,22 +22,10 @@ class FakeWindowServer final : public WindowServer {
     return pointer_;
   }
   std::uint32_t pressedMouseButtons() const override { return buttons_; }
-  [[nodiscard]] Subscription observePointerInput(std::function<void()> observer) const override {
-    return inputObservers_.add(std::move(observer));
-  }
-  bool reportsPointerInput() const override { return reportsInput; }
 
-  // Input from the user's hands: observers hear of it (unless `reportsInput` is off).
-  void movePointer(Point location) {
-    pointer_ = location;
-    if (reportsInput) inputObservers_.call();
-  }
-  bool reportsInput = true;
+  void movePointer(Point location) { pointer_ = location; }
   mutable int pointerQueries = 0;  // how often the pointer was sampled
-  void setPressedButtons(std::uint32_t buttons) {
-    buttons_ = buttons;
-    if (reportsInput) inputObservers_.call();
-  }
+  void setPressedButtons(std::uint32_t buttons) { buttons_ = buttons; }
   // Simulates a server that cannot hand out its window list.
   void setWindowListAvailable(bool available) { listAvailable_ = available; }
 
@@ -84,7 +72,6 @@ class FakeWindowServer final : public WindowServer {
   WindowNumber nextNumber_ = 0x400001;
   Point pointer_;
   std::uint32_t buttons_ = 0;
-  mutable HandlerList<> inputObservers_;
   bool listAvailable_ = true;
 };
 
