@@ -280,26 +280,19 @@ void XProbe::sync() {
 }
 
 void XProbe::press(std::initializer_list<std::uint32_t> keysyms) {
-  auto* symbols = xcb_key_symbols_alloc(c_);
   std::vector<xcb_keycode_t> codes;
   for (auto keysym : keysyms) {
-    xcb_keycode_t* found = xcb_key_symbols_get_keycode(symbols, keysym);
-    if (!found || found[0] == XCB_NO_SYMBOL) {
-      std::free(found);
-      xcb_key_symbols_free(symbols);
-      throw std::runtime_error("no key types keysym " + std::to_string(keysym));
-    }
-    codes.push_back(found[0]);
-    std::free(found);
+    const auto found = keycodesOf(keysym);
+    if (found.empty()) throw std::runtime_error("no key types keysym " + std::to_string(keysym));
+    codes.push_back(found.front());
   }
-  xcb_key_symbols_free(symbols);
   for (auto code : codes) {
     xcb_test_fake_input(c_, XCB_KEY_PRESS, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
   }
   for (auto code = codes.rbegin(); code != codes.rend(); ++code) {
     xcb_test_fake_input(c_, XCB_KEY_RELEASE, *code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
   }
-  std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+  sync();
 }
 
 void XProbe::click(int x, int y, int button) {
@@ -308,7 +301,7 @@ void XProbe::click(int x, int y, int button) {
                       static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
   xcb_test_fake_input(c_, XCB_BUTTON_PRESS, detail, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
   xcb_test_fake_input(c_, XCB_BUTTON_RELEASE, detail, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-  std::free(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+  sync();
 }
 
 void XProbe::raise(xcb_window_t window) {
@@ -358,19 +351,26 @@ xcb_timestamp_t XProbe::serverTime() {
   return XCB_CURRENT_TIME;
 }
 
-bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
+std::vector<xcb_keycode_t> XProbe::keycodesOf(std::uint32_t keysym) {
   auto* symbols = xcb_key_symbols_alloc(c_);
-  xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);
-  bool grabbed = codes && codes[0] != XCB_NO_SYMBOL;
-  for (auto* code = codes; grabbed && *code != XCB_NO_SYMBOL; ++code) {
+  xcb_keycode_t* found = xcb_key_symbols_get_keycode(symbols, keysym);
+  std::vector<xcb_keycode_t> codes;
+  for (auto* code = found; code && *code != XCB_NO_SYMBOL; ++code) codes.push_back(*code);
+  std::free(found);
+  xcb_key_symbols_free(symbols);
+  return codes;
+}
+
+bool XProbe::grabKey(std::uint32_t keysym, std::uint16_t modifiers) {
+  const auto codes = keycodesOf(keysym);
+  bool grabbed = !codes.empty();
+  for (auto code = codes.begin(); grabbed && code != codes.end(); ++code) {
     auto* error =
         xcb_request_check(c_, xcb_grab_key_checked(c_, 0, screen_->root, modifiers, *code,
                                                    XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     grabbed = error == nullptr;
     std::free(error);
   }
-  std::free(codes);
-  xcb_key_symbols_free(symbols);
   return grabbed;
 }
 

@@ -109,6 +109,8 @@ class XProbe {
   bool isDock(xcb_window_t window);
   std::optional<pid_t> pidOf(xcb_window_t window);
   void sync();
+  // The keys that type `keysym` in the current keymap; empty when none does.
+  std::vector<xcb_keycode_t> keycodesOf(std::uint32_t keysym);
   // The server's time now: what an input event would carry.
   xcb_timestamp_t serverTime();
 
