@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "capture/AsyncFilter.h"
 #include "capture/StreamOutput.h"
@@ -49,11 +50,13 @@ void DisplayManager::validate(const Display& display, std::function<void(bool)> 
   configuration.height = display.height;
   configuration.pixelFormat = pixelFormatBGRA;
   auto stream = service_.makeStream(display, configuration);
-  activeStreams_.push_back(stream);
-  Finish finish = [this, stream, completion = std::move(completion)](bool valid) {
-    completion(valid);
+  auto answered = std::make_shared<bool>(false);
+  Finish finish = [this, stream, answered, completion = std::move(completion)](bool valid) {
+    if (std::exchange(*answered, true)) return;
     forget(stream);
+    completion(valid);
   };
+  activeStreams_.push_back({stream, finish});
   // The test runs as its own task, from the next turn on.
   scheduler_.async(lifetime_.guard([this, stream, finish] { runValidation(stream, finish); }));
 }
@@ -90,14 +93,16 @@ void DisplayManager::endTestPeriod(const std::shared_ptr<CaptureStream>& stream,
 }
 
 void DisplayManager::stopAll() {
-  for (const auto& stream : activeStreams_) {
+  // Answering at once matters when the panel is hidden and shown again quickly: the refresh
+  // started at the next showing would otherwise find this one still running, and give way to it.
+  for (auto& [stream, finish] : std::exchange(activeStreams_, {})) {
     stream->stopCapture([](std::optional<CaptureError>) {});
+    scheduler_.async(lifetime_.guard([finish = std::move(finish)] { finish(false); }));
   }
-  activeStreams_.clear();
 }
 
 void DisplayManager::forget(const std::shared_ptr<CaptureStream>& stream) {
-  std::erase_if(activeStreams_, [&](const auto& s) { return s == stream; });
+  std::erase_if(activeStreams_, [&](const auto& test) { return test.stream == stream; });
 }
 
 namespace {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <memory>
@@ -52,13 +53,12 @@ class DisplayManager {
   // sample carried a picture and the capture started and stopped without error.
   void validate(const Display& display, std::function<void(bool)> completion);
 
-  // Stops every running test capture without waiting; each of those validations fails.
+  // Stops every running test capture without waiting; each of those validations fails on the
+  // next turn, so a refresh it interrupts ends without waiting out the test period.
   void stopAll();
 
-  // The test streams of validations that have not finished.
-  const std::vector<std::shared_ptr<CaptureStream>>& activeStreams() const {
-    return activeStreams_;
-  }
+  // How many validations have not finished.
+  std::size_t activeStreamCount() const { return activeStreams_.size(); }
 
   // Replays a left click at `relative` (0..1 from the top-left corner) of `display`.
   void simulateClickOnDisplay(const Display& display, Point relative);
@@ -68,6 +68,10 @@ class DisplayManager {
 
  private:
   using Finish = std::function<void(bool)>;
+  struct TestCapture {
+    std::shared_ptr<CaptureStream> stream;
+    Finish finish;  // answers once; later calls do nothing
+  };
   void runValidation(const std::shared_ptr<CaptureStream>& stream, const Finish& finish);
   void endTestPeriod(const std::shared_ptr<CaptureStream>& stream,
                      const std::shared_ptr<bool>& gotPicture, const Finish& finish);
@@ -78,7 +82,7 @@ class DisplayManager {
   Scheduler& scheduler_;
   CaptureService& service_;
   ClickPorts clicks_;
-  std::vector<std::shared_ptr<CaptureStream>> activeStreams_;
+  std::vector<TestCapture> activeStreams_;
   Lifetime lifetime_;
 };
 

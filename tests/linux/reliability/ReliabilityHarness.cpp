@@ -83,7 +83,9 @@ void ReliabilityTest::toggleWithShortcut() {
 }
 
 bool ReliabilityTest::secondCardShowsPatch() {
-  const auto at = inCard(rectOf(mirror()), 1, kSecondDisplay, middle(kSecondPatch));
+  const auto m = rectOf(mirror());
+  if (m.width == 0) return false;  // not found at this look (its tree was changing): look again
+  const auto at = inCard(m, 1, kSecondDisplay, middle(kSecondPatch));
   return near(x_->pixel(at.x, at.y), secondPatchColour_);
 }
 
@@ -91,6 +93,7 @@ bool ReliabilityTest::secondCardShowsPatch() {
 // under the light band of its buttons (a window just mapped is dark all over until painted).
 bool ReliabilityTest::isEnlarged() {
   const auto m = rectOf(mirror());
+  if (m.width == 0) return false;
   return isDark(x_->pixel(m.x + m.width / 2, m.y + m.height - 60)) &&
          !isDark(x_->pixel(m.x + m.width / 2, m.y + 20));
 }
