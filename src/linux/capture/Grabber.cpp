@@ -102,7 +102,7 @@ std::optional<CaptureError> Grabber::setUp() {
   }
   const bool useShm = SharedMemory::supported(*connection_);
   if (!useShm) std::fprintf(stderr, "ORLET: no MIT-SHM 1.2 on this X server; using GetImage\n");
-  reader_ = std::make_unique<PixelReader>(*connection_, useShm);
+  reader_ = std::make_unique<PixelReader>(*connection_, useShm, settings_.memory);
   if (auto failure = locate(true)) return CaptureError{*failure};
   setUpDamage();
   return std::nullopt;

@@ -14,6 +14,8 @@
 
 namespace orlet::linux_capture {
 
+class SharedMemoryPool;
+
 // What a capture thread reports, on that thread.
 struct GrabberEvents {
   std::function<void(std::optional<CaptureError>)> started;  // once, first
@@ -46,6 +48,7 @@ struct GrabberSettings {
   int stopFd = -1;                                 // becomes readable when the capture must end
   std::shared_ptr<const PictureSize> pictureSize;  // null: the display's own size
   int resizeFd = -1;  // becomes readable when `pictureSize` changed; cleared by the thread
+  std::shared_ptr<SharedMemoryPool> memory;  // null: memory attached on the thread's connection
 };
 
 // The body of a capture thread: captures the display until `stopFd` is readable, the display

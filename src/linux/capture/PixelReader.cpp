@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "linux/capture/BatchReader.h"
+#include "linux/capture/SharedMemoryPool.h"
 #include "linux/capture/TenBitPixels.h"
 
 namespace orlet::linux_capture {
@@ -20,9 +21,11 @@ std::int64_t totalArea(const std::vector<PixelRect>& rects) {
 
 }  // namespace
 
-PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory)
+PixelReader::PixelReader(const XcbConnection& connection, bool useSharedMemory,
+                         std::shared_ptr<SharedMemoryPool> memory)
     : connection_(connection),
       useShm_(useSharedMemory),
+      memoryPool_(std::move(memory)),
       tenBitChannels_(connection.screen().root_depth == 30) {}
 
 PixelReader::~PixelReader() = default;
@@ -37,8 +40,8 @@ bool PixelReader::configure(const PixelRect& area, int width, int height, std::s
                        (width < area.width || height < area.height);
   const std::size_t areaBytes = std::size_t(area.area()) * Frame::bytesPerPixel;
   if (useShm_) {
-    scratch_ = SharedMemory::create(
-        connection_, reduced ? std::min(areaBytes, ReducingReader::readBudget) : areaBytes, error);
+    scratch_ =
+        sharedMemory(reduced ? std::min(areaBytes, ReducingReader::readBudget) : areaBytes, error);
     if (!scratch_) return false;
   }
   if (reduced) {
@@ -56,7 +59,7 @@ std::shared_ptr<Frame> PixelReader::allocate(int width, int height) {
     // Frames in shared memory let the server write a large change straight into them.
     std::string ignored;
     const std::size_t stride = std::size_t(width) * Frame::bytesPerPixel;
-    if (auto memory = SharedMemory::create(connection_, stride * height, ignored)) {
+    if (auto memory = sharedMemory(stride * height, ignored)) {
       auto frame =
           std::make_shared<Frame>(width, height, stride, memory->mapping(), memory->data());
       frameMemory_[memory->data()] = std::move(memory);
@@ -64,6 +67,13 @@ std::shared_ptr<Frame> PixelReader::allocate(int width, int height) {
     }
   }
   return Frame::allocate(width, height);
+}
+
+std::unique_ptr<SharedMemory> PixelReader::sharedMemory(std::size_t size, std::string& error) {
+  if (memoryPool_) {
+    if (auto memory = memoryPool_->take(size, error)) return memory;
+  }
+  return SharedMemory::create(connection_, size, error);
 }
 
 PixelReader::Result PixelReader::read(std::vector<PixelRect> changed, FrameRef& frame,

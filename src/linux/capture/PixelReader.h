@@ -9,6 +9,7 @@
 #include "capture/PixelRect.h"
 #include "linux/capture/ReducingReader.h"
 #include "linux/capture/SharedMemory.h"
+#include "linux/capture/SharedMemoryPool.h"
 #include "linux/capture/Xcb.h"
 
 namespace orlet::linux_capture {
@@ -22,7 +23,9 @@ class PixelReader {
  public:
   using Result = ReadResult;
 
-  PixelReader(const XcbConnection& connection, bool useSharedMemory);
+  // Shared memory comes from `memory` when given, and is attached on `connection` otherwise.
+  PixelReader(const XcbConnection& connection, bool useSharedMemory,
+              std::shared_ptr<SharedMemoryPool> memory = nullptr);
   ~PixelReader();
 
   // Reads `area` (global coordinates) from now on, in pictures of `width` × `height` (the
@@ -38,6 +41,7 @@ class PixelReader {
 
  private:
   std::shared_ptr<Frame> allocate(int width, int height);
+  std::unique_ptr<SharedMemory> sharedMemory(std::size_t size, std::string& error);
   bool readShm(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
   bool readRects(Frame& frame, const std::vector<PixelRect>& changed, std::string& error);
   bool readBand(Frame& frame, const PixelRect& band, std::string& error);
@@ -45,6 +49,7 @@ class PixelReader {
 
   const XcbConnection& connection_;
   bool useShm_;
+  std::shared_ptr<SharedMemoryPool> memoryPool_;
   // A 30-bit root window (x2r10g10b10): read, then narrowed to eight bits a channel.
   bool tenBitChannels_;
   PixelRect area_;

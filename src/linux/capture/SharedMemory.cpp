@@ -16,37 +16,46 @@ bool SharedMemory::supported(const XcbConnection& connection) {
   return version && (version->major_version > 1 || version->minor_version >= 2);
 }
 
-std::unique_ptr<SharedMemory> SharedMemory::create(const XcbConnection& connection,
-                                                   std::size_t size, std::string& error) {
+std::optional<xcb_shm_seg_t> SharedMemory::attachNew(const XcbConnection& connection,
+                                                     std::size_t size, void*& address,
+                                                     std::string& error) {
   const int fd = memfd_create("orlet-capture", MFD_CLOEXEC);
   if (fd < 0) {
     error = std::string("memfd_create: ") + std::strerror(errno);
-    return nullptr;
+    return std::nullopt;
   }
-  void* address = MAP_FAILED;
+  address = MAP_FAILED;
   if (ftruncate(fd, static_cast<off_t>(size)) == 0) {
     address = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
   }
   if (address == MAP_FAILED) {
     error = std::string("shared memory: ") + std::strerror(errno);
     close(fd);
-    return nullptr;
+    return std::nullopt;
   }
-  std::shared_ptr<void> mapping(address, [size](void* p) { munmap(p, size); });
   const xcb_shm_seg_t segment = xcb_generate_id(connection.get());
   // XCB sends the descriptor with the request and closes our copy.
-  auto failure = connection.check(xcb_shm_attach_fd_checked(connection.get(), segment, fd, 0),
-                                  "MIT-SHM AttachFd");
-  if (failure) {
+  if (auto failure = connection.check(xcb_shm_attach_fd_checked(connection.get(), segment, fd, 0),
+                                      "MIT-SHM AttachFd")) {
     error = *failure;
-    return nullptr;
+    munmap(address, size);
+    return std::nullopt;
   }
+  return segment;
+}
+
+std::unique_ptr<SharedMemory> SharedMemory::create(const XcbConnection& connection,
+                                                   std::size_t size, std::string& error) {
+  void* address = nullptr;
+  const auto segment = attachNew(connection, size, address, error);
+  if (!segment) return nullptr;
+  std::shared_ptr<void> mapping(address, [size](void* p) { munmap(p, size); });
   return std::unique_ptr<SharedMemory>(
-      new SharedMemory(connection, segment, std::move(mapping), size));
+      new SharedMemory(&connection, *segment, std::move(mapping), size));
 }
 
 SharedMemory::~SharedMemory() {
-  if (!connection_.hasError()) xcb_shm_detach(connection_.get(), segment_);
+  if (connection_ && !connection_->hasError()) xcb_shm_detach(connection_->get(), segment_);
 }
 
 }  // namespace orlet::linux_capture

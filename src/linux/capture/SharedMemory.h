@@ -23,6 +23,16 @@ class SharedMemory {
   // A zeroed segment of `size` bytes attached to the server; null with `error` set otherwise.
   static std::unique_ptr<SharedMemory> create(const XcbConnection& connection, std::size_t size,
                                               std::string& error);
+  // A segment attached elsewhere (by a pool), which stays attached when this handle goes.
+  static std::unique_ptr<SharedMemory> borrowed(xcb_shm_seg_t segment,
+                                                std::shared_ptr<void> mapping, std::size_t size) {
+    return std::unique_ptr<SharedMemory>(
+        new SharedMemory(nullptr, segment, std::move(mapping), size));
+  }
+  // Zeroed memory of `size` bytes attached on `connection`, mapped at `address`, which the
+  // caller unmaps: its segment, or nullopt with `error` set (nothing left mapped).
+  static std::optional<xcb_shm_seg_t> attachNew(const XcbConnection& connection, std::size_t size,
+                                                void*& address, std::string& error);
   ~SharedMemory();
   SharedMemory(const SharedMemory&) = delete;
   SharedMemory& operator=(const SharedMemory&) = delete;
@@ -34,10 +44,10 @@ class SharedMemory {
   const std::shared_ptr<void>& mapping() const { return mapping_; }
 
  private:
-  SharedMemory(const XcbConnection& connection, xcb_shm_seg_t segment,
+  SharedMemory(const XcbConnection* connection, xcb_shm_seg_t segment,
                std::shared_ptr<void> mapping, std::size_t size)
       : connection_(connection), segment_(segment), mapping_(std::move(mapping)), size_(size) {}
-  const XcbConnection& connection_;
+  const XcbConnection* connection_;  // where to detach; null when borrowed
   xcb_shm_seg_t segment_;
   std::shared_ptr<void> mapping_;
   std::size_t size_;

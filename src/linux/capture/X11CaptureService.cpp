@@ -10,7 +10,9 @@
 namespace orlet::linux_capture {
 
 X11CaptureService::X11CaptureService(Scheduler& scheduler, std::string displayName)
-    : scheduler_(scheduler), displayName_(std::move(displayName)) {}
+    : scheduler_(scheduler),
+      displayName_(std::move(displayName)),
+      memory_(SharedMemoryPool::make(scheduler_, displayName_)) {}
 
 // Streams may still be held (by a pending timer of the main queue, say): their threads end here
 // all the same, so none of them reports to a main queue that is being torn down.
@@ -48,7 +50,7 @@ void X11CaptureService::shareableContent(
 
 std::shared_ptr<CaptureStream> X11CaptureService::makeStream(
     const Display& display, const StreamConfiguration& configuration) {
-  return std::make_shared<X11CaptureStream>(scheduler_, threads_, displayName_, display,
+  return std::make_shared<X11CaptureStream>(scheduler_, threads_, memory_, displayName_, display,
                                             configuration);
 }
 

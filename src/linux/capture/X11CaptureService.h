@@ -5,6 +5,7 @@
 #include <string>
 
 #include "foundation/Scheduler.h"
+#include "linux/capture/SharedMemoryPool.h"
 #include "linux/capture/WorkerThreads.h"
 #include "platform/CaptureService.h"
 
@@ -29,6 +30,7 @@ class X11CaptureService final : public CaptureService {
   Scheduler& scheduler_;
   std::string displayName_;
   std::shared_ptr<WorkerThreads> threads_ = std::make_shared<WorkerThreads>();
+  std::shared_ptr<SharedMemoryPool> memory_;
   std::shared_ptr<std::atomic<bool>> unreadableSaid_ = std::make_shared<std::atomic<bool>>(false);
 };
 

@@ -22,10 +22,12 @@ struct X11CaptureStream::Run {
 };
 
 X11CaptureStream::X11CaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
+                                   std::shared_ptr<SharedMemoryPool> memory,
                                    std::string displayName, Display display,
                                    StreamConfiguration configuration)
     : scheduler_(scheduler),
       threads_(std::move(threads)),
+      memory_(std::move(memory)),
       displayName_(std::move(displayName)),
       display_(display),
       configuration_(configuration) {}
@@ -70,6 +72,7 @@ void X11CaptureStream::startCapture(CaptureCompletion completion) {
   run->size->set(configuration_.width, configuration_.height);
   settings.pictureSize = run->size;
   settings.resizeFd = run->resized->fd();
+  settings.memory = memory_;
   threads_->spawn(run->stop, [settings, resized = run->resized,
                               events = eventsFor(&scheduler_, weak_from_this(), run)] {
     runGrabber(settings, events);

@@ -18,7 +18,8 @@ class X11CaptureStream final : public CaptureStream,
                                public std::enable_shared_from_this<X11CaptureStream> {
  public:
   X11CaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
-                   std::string displayName, Display display, StreamConfiguration configuration);
+                   std::shared_ptr<SharedMemoryPool> memory, std::string displayName,
+                   Display display, StreamConfiguration configuration);
   // Ends a running capture without waiting for it.
   ~X11CaptureStream() override;
 
@@ -45,6 +46,7 @@ class X11CaptureStream final : public CaptureStream,
 
   Scheduler& scheduler_;
   std::shared_ptr<WorkerThreads> threads_;
+  std::shared_ptr<SharedMemoryPool> memory_;
   std::string displayName_;
   Display display_;
   StreamConfiguration configuration_;

@@ -17,6 +17,7 @@
 #include "capture/VideoCaptureManager.h"
 #include "foundation/RenderCounters.h"
 #include "linux/capture/Grabber.h"
+#include "linux/capture/SharedMemoryPool.h"
 #include "linux/capture/WorkerThreads.h"
 #include "linux/capture/X11CaptureService.h"
 
@@ -231,6 +232,34 @@ TEST_F(X11CaptureTest, AfterTheFirstPictureOnlyTheChangedRectanglesAreRead) {
   }
   const PixelRect painted{300, 200, 40, 30};
   EXPECT_EQ(boundingBox(all[1]), painted);
+}
+
+// Memory is lent again, still attached, once nothing maps it any more (a frame still shown
+// included), to a reader asking for the same size; unused for keepFor, it leaves the pool.
+TEST_F(X11CaptureTest, SharedMemoryIsLentAgainUntilUnusedForAWhile) {
+  using Pool = linux_capture::SharedMemoryPool;
+  auto pool = Pool::make(scheduler, displayName);
+  std::string error;
+  auto first = pool->take(4096, error);
+  ASSERT_TRUE(first) << error;
+  const auto segment = first->segment();
+  auto shown = first->mapping();
+  first.reset();
+  EXPECT_EQ(pool->idleCount(), 0u);
+  shown.reset();
+  EXPECT_EQ(pool->idleCount(), 1u);
+
+  auto again = pool->take(4096, error);
+  auto larger = pool->take(8192, error);
+  ASSERT_TRUE(again && larger) << error;
+  EXPECT_EQ(again->segment(), segment);
+  EXPECT_NE(larger->segment(), segment);
+  again.reset();
+  larger.reset();
+  pool->trim(Pool::Clock::now());
+  EXPECT_EQ(pool->idleCount(), 2u);
+  pool->trim(Pool::Clock::now() + Pool::keepFor);
+  EXPECT_EQ(pool->idleCount(), 0u);
 }
 
 // Streams may outlive their service (a pending timer holds one): destroying the service still
