@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
 #include "foundation/Geometry.h"
+#include "foundation/Subscription.h"
 #include "platform/Workspace.h"
 
 namespace orlet {
@@ -39,6 +41,14 @@ class WindowServer {
 
   // The buttons held down now, as mouse_button bits.
   virtual std::uint32_t pressedMouseButtons() const = 0;
+
+  // Calls `observer` on the main thread when the pointer has had input (motion, a button) since
+  // it was last read, or a reading finds it moved: once per reading, not for every report of a
+  // moving mouse. It may be called from within a reading.
+  [[nodiscard]] virtual Subscription observePointerInput(std::function<void()> observer) const = 0;
+  // Whether observePointerInput reports input at all; without it, a still pointer cannot be
+  // told from one that moved unseen.
+  virtual bool reportsPointerInput() const = 0;
 };
 
 }  // namespace orlet

@@ -4,15 +4,17 @@ namespace orlet {
 
 CursorTracker::CursorTracker(Scheduler& scheduler, const CursorSource& cursor,
                              const WindowServer& pointer)
-    : scheduler_(scheduler), cursor_(cursor), pointer_(pointer) {}
+    : scheduler_(scheduler),
+      cursor_(cursor),
+      pointer_(pointer),
+      timer_(scheduler, pointer, sampleInterval, [this] { updateCursor(); }) {}
 
 void CursorTracker::startTracking(std::uint32_t) {
-  if (timer_.isValid()) return;
-  timer_ = scheduler_.every(sampleInterval, lifetime_.guard([this] { updateCursor(); }));
+  timer_.start();
 }
 
 void CursorTracker::stopTracking() {
-  timer_ = ScopedWorkItem();
+  timer_.stop();
 }
 
 // The pointer is read in root coordinates, top-left origin, the system the mirror uses: no

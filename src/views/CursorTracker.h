@@ -5,17 +5,17 @@
 #include "foundation/Lifetime.h"
 #include "foundation/Observable.h"
 #include "foundation/Scheduler.h"
-#include "foundation/WorkItem.h"
 #include "platform/CursorSource.h"
 #include "platform/WindowServer.h"
 #include "views/DisplayPreviewModel.h"
+#include "views/SamplingTimer.h"
 
 namespace orlet {
 
-// Samples the system cursor (image and hot spot) and the pointer sixty times a second and
-// publishes them when they change, so that the mirror can draw the cursor where the real pointer
-// stands. The position is global: which display it is on is for the mirror to decide. Main thread
-// only.
+// Samples the system cursor (image and hot spot) and the pointer sixty times a second (a few
+// times a second while the pointer is still) and publishes them when they change, so that the
+// mirror can draw the cursor where the real pointer stands. The position is global: which display
+// it is on is for the mirror to decide. Main thread only.
 class CursorTracker final : public PreviewCompanion {
  public:
   static constexpr Seconds sampleInterval{1.0 / 60};
@@ -31,7 +31,7 @@ class CursorTracker final : public PreviewCompanion {
   void startTracking(std::uint32_t displayId);
   // Safe when not tracking; the last published values stay.
   void stopTracking();
-  bool isTracking() const { return timer_.isValid(); }
+  bool isTracking() const { return timer_.isRunning(); }
 
   void start(const Display& display) override { startTracking(display.displayID); }
   void stop() override { stopTracking(); }
@@ -48,8 +48,8 @@ class CursorTracker final : public PreviewCompanion {
   };
 
   Sample sampled_;  // the last sample handed on for publication
-  ScopedWorkItem timer_;
   Lifetime lifetime_;
+  SamplingTimer timer_;
 };
 
 }  // namespace orlet

@@ -5,17 +5,19 @@
 
 namespace orlet {
 
-MouseTeleportManager::MouseTeleportManager(const Ports& ports) : ports_(ports) {}
+MouseTeleportManager::MouseTeleportManager(const Ports& ports)
+    : ports_(ports),
+      timer_(ports.scheduler, ports.windowServer, checkInterval, [this] { checkMousePosition(); }) {
+}
 
 void MouseTeleportManager::startMonitoring(std::uint32_t displayId) {
   targetDisplayID_ = displayId;
   targetDisplayBounds_ = ports_.displayInfo.bounds(displayId);
-  if (timer_.isValid()) return;
-  timer_ = ports_.scheduler.every(checkInterval, lifetime_.guard([this] { checkMousePosition(); }));
+  timer_.start();
 }
 
 void MouseTeleportManager::stopMonitoring() {
-  timer_ = ScopedWorkItem();
+  timer_.stop();
   targetDisplayID_.reset();
   announced_ = false;
   isMouseOnTargetDisplay.set(false);

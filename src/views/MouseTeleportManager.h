@@ -7,12 +7,12 @@
 #include "foundation/Lifetime.h"
 #include "foundation/Observable.h"
 #include "foundation/Scheduler.h"
-#include "foundation/WorkItem.h"
 #include "platform/DisplayInfo.h"
 #include "platform/SyntheticInput.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
 #include "views/DisplayPreviewModel.h"
+#include "views/SamplingTimer.h"
 
 namespace orlet {
 
@@ -70,11 +70,11 @@ class MouseTeleportManager final : public PreviewCompanion {
   Ports ports_;
   std::optional<std::uint32_t> targetDisplayID_;
   Rect targetDisplayBounds_;
-  ScopedWorkItem timer_;
   Rect mirrorScreenRect_;
   std::optional<Seconds> lastTeleportTime_;
   bool announced_ = false;  // the last value handed on for publication
   Lifetime lifetime_;
+  SamplingTimer timer_;
 };
 
 }  // namespace orlet

@@ -4,25 +4,25 @@
 
 namespace orlet {
 
-ScreenPositionTracker::ScreenPositionTracker(Scheduler& scheduler,
+ScreenPositionTracker::ScreenPositionTracker(Scheduler& scheduler, const WindowServer& pointer,
                                              MouseTeleportManager& teleportManager,
                                              const DisplayInfoProvider& displayInfo,
                                              std::function<std::optional<Rect>()> viewRectOnScreen)
-    : scheduler_(scheduler),
-      teleportManager_(teleportManager),
+    : teleportManager_(teleportManager),
       displayInfo_(displayInfo),
-      viewRectOnScreen_(std::move(viewRectOnScreen)) {}
+      viewRectOnScreen_(std::move(viewRectOnScreen)),
+      timer_(scheduler, pointer, updateInterval, [this] { updatePosition(); }) {}
 
 // The display's bounds are read once here, as the teleport manager reads them: a rearrangement
 // of the displays is noticed the next time the mirror is shown.
 void ScreenPositionTracker::startTracking(std::uint32_t displayId) {
   stopTracking();
   displaySize_ = displayInfo_.bounds(displayId).size();
-  timer_ = scheduler_.every(updateInterval, lifetime_.guard([this] { updatePosition(); }));
+  timer_.start();
 }
 
 void ScreenPositionTracker::stopTracking() {
-  timer_ = ScopedWorkItem();
+  timer_.stop();
 }
 
 // The view's rectangle comes in root coordinates, top-left origin: no flip against the main

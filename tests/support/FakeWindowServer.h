@@ -22,10 +22,22 @@ class FakeWindowServer final : public WindowServer {
     return pointer_;
   }
   std::uint32_t pressedMouseButtons() const override { return buttons_; }
+  [[nodiscard]] Subscription observePointerInput(std::function<void()> observer) const override {
+    return inputObservers_.add(std::move(observer));
+  }
+  bool reportsPointerInput() const override { return reportsInput; }
 
-  void movePointer(Point location) { pointer_ = location; }
+  // Input from the user's hands: observers hear of it (unless `reportsInput` is off).
+  void movePointer(Point location) {
+    pointer_ = location;
+    if (reportsInput) inputObservers_.call();
+  }
+  bool reportsInput = true;
   mutable int pointerQueries = 0;  // how often the pointer was sampled
-  void setPressedButtons(std::uint32_t buttons) { buttons_ = buttons; }
+  void setPressedButtons(std::uint32_t buttons) {
+    buttons_ = buttons;
+    if (reportsInput) inputObservers_.call();
+  }
   // Simulates a server that cannot hand out its window list.
   void setWindowListAvailable(bool available) { listAvailable_ = available; }
 
@@ -72,6 +84,7 @@ class FakeWindowServer final : public WindowServer {
   WindowNumber nextNumber_ = 0x400001;
   Point pointer_;
   std::uint32_t buttons_ = 0;
+  mutable HandlerList<> inputObservers_;
   bool listAvailable_ = true;
 };
 

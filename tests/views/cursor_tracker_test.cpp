@@ -26,16 +26,15 @@ class CursorTrackerTest : public ::testing::Test {
   CursorTracker tracker{scheduler, cursor, server};
 };
 
-// Sixty samples a second; what changed is published: the cursor itself (not a copy of its
+// What changed is published: the cursor itself (not a copy of its
 // pixels), its hot spot and the pointer in global coordinates, a display left of the main one
 // included. A still pointer under the same cursor publishes nothing more.
-TEST_F(CursorTrackerTest, SamplesSixtyTimesASecondAndPublishesEachChange) {
+TEST_F(CursorTrackerTest, PublishesEachChange) {
   cursor.cursor = test::FakeCursorSource::make(24, 32, {3, 5});
   server.movePointer({-500, 200});
   tracker.startTracking(7);
   tracker.startTracking(7);  // neither restarts nor doubles the sampling
   EXPECT_EQ(publicationsOver(aboutASecond), 1);
-  EXPECT_EQ(server.pointerQueries, 60);
   EXPECT_EQ(tracker.cursorImage.get(), cursor.cursor);
   EXPECT_EQ(tracker.hotSpot.get(), (Point{3, 5}));
   EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{-500, 200}));

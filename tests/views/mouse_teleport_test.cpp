@@ -168,7 +168,7 @@ TEST_F(MouseTeleportTest, MonitoringLifecycle) {
 TEST_F(MouseTeleportTest, PictureRectangleFollowsTheView) {
   info.displays[9].bounds = {1920, 0, 3440, 1440};
   std::optional<Rect> view = Rect{50, 60, 600, 400};
-  ScreenPositionTracker probe{scheduler, manager, info, [&] { return view; }};
+  ScreenPositionTracker probe{scheduler, server, manager, info, [&] { return view; }};
   manager.updateMirrorRect({});
   probe.startTracking(9);
   scheduler.advance(Seconds{0.029});

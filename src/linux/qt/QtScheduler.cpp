@@ -50,7 +50,9 @@ WorkItem QtScheduler::after(Seconds delay, std::function<void()> work) {
 WorkItem QtScheduler::every(Seconds interval, std::function<void()> work) {
   auto item = WorkItem::make();
   auto* timer = new QTimer(&context_);
-  timer->setTimerType(Qt::PreciseTimer);
+  // Sampling at 1/60 s needs the precise timer; slower work (a still pointer's samples, the
+  // display list's refresh) may share its wake-ups with others, within 5 % of its interval.
+  timer->setTimerType(interval < Seconds{0.2} ? Qt::PreciseTimer : Qt::CoarseTimer);
   QObject::connect(timer, &QTimer::timeout, &context_, [item, work = std::move(work)] {
     if (!item.isCancelled()) work();
   });

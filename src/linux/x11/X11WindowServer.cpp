@@ -46,6 +46,7 @@ void X11WindowServer::handle(const xcb_generic_event_t& event) {
   if (!isPointerInput(event, xinputOpcode_) || !watching_) return;
   watching_ = false;
   watch(false);
+  inputObservers_.call();
 }
 
 void X11WindowServer::watch(bool on) const {
@@ -56,14 +57,19 @@ X11WindowServer::Pointer X11WindowServer::queryPointer() const {
   const auto now = std::chrono::steady_clock::now();
   const auto age = lastQuery_ ? now - *lastQuery_ : std::chrono::steady_clock::duration::max();
   if (age < (watching_ ? milliseconds(kLongestQuiet) : kSameSample)) return last_;
-  // Selected before the query: input the server handles after the reading is seen.
-  if (xinputOpcode_ != 0) watch(true);
+  // Selected before the query: input the server handles after the reading is seen. A selection
+  // still standing from the last reading is not asked for again.
+  if (xinputOpcode_ != 0 && !watching_) watch(true);
   auto* reply = xcb_query_pointer_reply(x_.get(), xcb_query_pointer(x_.get(), x_.root()), nullptr);
   if (!reply) return {};
-  last_ = {{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)}, reply->mask};
+  const Pointer reading{{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)},
+                        reply->mask};
+  std::free(reply);
+  const bool moved = lastQuery_ && reading != last_;
+  last_ = reading;
   lastQuery_ = now;
   watching_ = xinputOpcode_ != 0;
-  std::free(reply);
+  if (moved) inputObservers_.call();
   return last_;
 }
 

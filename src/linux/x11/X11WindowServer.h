@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Subscription.h"
 #include "linux/x11/XConnection.h"
 #include "linux/x11/XEventSource.h"
@@ -18,7 +19,7 @@ namespace orlet::x11 {
 // only once one has come is the pointer read again. A still pointer thus costs no round trip,
 // and a moving one at most one event and one round trip a sample, however fast the mouse
 // reports. Warps by other clients come with no input event: a reading is kept a quarter of a
-// second at most.
+// second at most, and a reading that finds the pointer moved tells the input's observers too.
 class X11WindowServer final : public WindowServer {
  public:
   X11WindowServer(const XConnection& x, XEventSource& events);
@@ -27,6 +28,11 @@ class X11WindowServer final : public WindowServer {
   std::optional<std::vector<WindowInfo>> onScreenWindows() const override;
   Point pointerLocation() const override;
   std::uint32_t pressedMouseButtons() const override;
+  // The same first raw event after a reading is what tells its observers.
+  [[nodiscard]] Subscription observePointerInput(std::function<void()> observer) const override {
+    return inputObservers_.add(std::move(observer));
+  }
+  bool reportsPointerInput() const override { return xinputOpcode_ != 0; }
 
   // Our own warps come with no input event either: the next reading asks the server.
   void forgetPointer() const { watching_ = false; }
@@ -35,6 +41,7 @@ class X11WindowServer final : public WindowServer {
   struct Pointer {
     Point location;
     std::uint16_t mask = 0;
+    friend bool operator==(const Pointer&, const Pointer&) = default;
   };
   Pointer queryPointer() const;
   void watch(bool on) const;
@@ -45,6 +52,7 @@ class X11WindowServer final : public WindowServer {
   mutable Pointer last_;
   mutable std::optional<std::chrono::steady_clock::time_point> lastQuery_;
   mutable bool watching_ = false;  // no pointer input since the last reading
+  mutable HandlerList<> inputObservers_;
   Subscription events_;
 };
 

@@ -49,8 +49,9 @@ void makeMirrorInteractive(DisplayPreviewView& mirror, DisplayManager& dm,
   auto teleport = std::make_unique<MouseTeleportManager>(MouseTeleportManager::Ports{
       ports.scheduler, ports.windowServer, ports.input, ports.workspace, ports.displayInfo,
       ports.isWindowVisible, ports.isWindowBeingMoved});
-  auto probe = std::make_unique<ScreenPositionTracker>(
-      ports.scheduler, *teleport, ports.displayInfo, [&mirror] { return rectOnScreen(mirror); });
+  auto probe = std::make_unique<ScreenPositionTracker>(ports.scheduler, ports.windowServer,
+                                                       *teleport, ports.displayInfo,
+                                                       [&mirror] { return rectOnScreen(mirror); });
   model.addCompanion(std::move(teleport));
   model.addCompanion(std::move(probe));
 }
