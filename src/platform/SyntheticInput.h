@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "foundation/Geometry.h"
 
 namespace orlet {
@@ -18,8 +20,10 @@ class SyntheticInput {
   virtual void leftButtonUp(Point at) = 0;
 
   // Puts the pointer at `at` without pressing anything; the pointer keeps following the mouse
-  // from there.
-  virtual void warpPointer(Point at) = 0;
+  // from there. With `onlyFrom`, the desktop moves it only if it is still inside that rectangle
+  // when the warp is carried out: a pointer the user has moved on since it was read stays where
+  // the user put it.
+  virtual void warpPointer(Point at, std::optional<Rect> onlyFrom) = 0;
 };
 
 }  // namespace orlet

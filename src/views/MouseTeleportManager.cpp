@@ -52,7 +52,7 @@ void MouseTeleportManager::checkMousePosition() {
   // The focus test changes nothing and costs round trips to the X server: it is asked only
   // when its answer decides something, not sixty times a second.
   if (inMirror && !onTarget && isCaptureOneOrORLETFocused()) {
-    teleportMouse(globalPoint(target, relativePoint(mirror, p)));
+    teleportMouse(globalPoint(target, relativePoint(mirror, p)), mirror);
     lastTeleportTime_ = now;
     publishOnTarget(true);
     return;
@@ -81,25 +81,36 @@ void MouseTeleportManager::teleportToMirrorEdge(ScreenEdge edge, Point from) {
   const Rect& target = targetDisplayBounds_;
   const Rect& mirror = mirrorScreenRect_;
   Point q = globalPoint(mirror, relativePoint(target, from));
+  // The band along the edge where a pointer counts as on it.
+  Rect band = target;
   switch (edge) {
     case ScreenEdge::top:
       q.y = mirror.minY() - landingDistance;
+      band.height = edgeMargin + 1;
       break;
     case ScreenEdge::bottom:
       q.y = mirror.maxY() + landingDistance;
+      band.y = target.maxY() - edgeMargin;
+      band.height = edgeMargin;
       break;
     case ScreenEdge::left:
       q.x = mirror.minX() - landingDistance;
+      band.width = edgeMargin + 1;
       break;
     case ScreenEdge::right:
       q.x = mirror.maxX() + landingDistance;
+      band.x = target.maxX() - edgeMargin;
+      band.width = edgeMargin;
       break;
   }
-  teleportMouse(q);
+  teleportMouse(q, band);
 }
 
-void MouseTeleportManager::teleportMouse(Point to) {
-  ports_.input.warpPointer(to);
+// The reading that decided the jump may be a few milliseconds old (the pointer's input can still
+// be on its way to us): the jump is made only from where that reading was, or a click the user
+// has meanwhile made elsewhere, on the mirror's buttons say, would land on the display instead.
+void MouseTeleportManager::teleportMouse(Point to, const Rect& from) {
+  ports_.input.warpPointer(to, from);
 }
 
 // Ours when the identifiers match as optional values (both absent counts as equal), as the

@@ -63,7 +63,7 @@ class MouseTeleportManager final : public PreviewCompanion {
  private:
   void checkMousePosition();
   void teleportToMirrorEdge(ScreenEdge edge, Point from);
-  void teleportMouse(Point to);
+  void teleportMouse(Point to, const Rect& from);
   bool isCaptureOneOrORLETFocused() const;
   void publishOnTarget(bool onTarget);
 

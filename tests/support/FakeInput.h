@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ class FakeSyntheticInput final : public SyntheticInput {
     std::string kind;  // "down", "up" or "warp"
     Point at;
     Seconds time;
+    std::optional<Rect> onlyFrom = std::nullopt;  // a warp's condition
     friend bool operator==(const Event&, const Event&) = default;
   };
 
@@ -26,14 +28,18 @@ class FakeSyntheticInput final : public SyntheticInput {
 
   void leftButtonDown(Point at) override { record("down", at); }
   void leftButtonUp(Point at) override { record("up", at); }
-  void warpPointer(Point at) override { record("warp", at); }
+  // A conditional warp from a pointer outside its rectangle leaves it, and the log, as they are.
+  void warpPointer(Point at, std::optional<Rect> onlyFrom) override {
+    if (onlyFrom && !onlyFrom->contains(server_.pointer())) return;
+    record("warp", at, onlyFrom);
+  }
 
   std::vector<Event> events;
 
  private:
-  void record(const char* kind, Point at) {
+  void record(const char* kind, Point at, std::optional<Rect> onlyFrom = std::nullopt) {
     server_.movePointer(at);
-    events.push_back({kind, at, clock_.now()});
+    events.push_back({kind, at, clock_.now(), onlyFrom});
   }
 
   FakeWindowServer& server_;

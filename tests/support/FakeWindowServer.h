@@ -19,7 +19,7 @@ class FakeWindowServer final : public WindowServer {
   std::optional<std::vector<WindowInfo>> onScreenWindows() const override;
   Point pointerLocation() const override {
     ++pointerQueries;
-    return pointer_;
+    return lateReading.value_or(pointer_);
   }
   std::uint32_t pressedMouseButtons() const override { return buttons_; }
   [[nodiscard]] Subscription observePointerInput(std::function<void()> observer) const override {
@@ -34,6 +34,10 @@ class FakeWindowServer final : public WindowServer {
   }
   bool reportsInput = true;
   mutable int pointerQueries = 0;  // how often the pointer was sampled
+  // What samples read instead of where the pointer is: input still on its way to the reader.
+  std::optional<Point> lateReading;
+  // Where the pointer is, as the server itself knows it (not a sample).
+  Point pointer() const { return pointer_; }
   void setPressedButtons(std::uint32_t buttons) {
     buttons_ = buttons;
     if (reportsInput) inputObservers_.call();

@@ -87,6 +87,19 @@ TEST_F(MouseTeleportTest, PointerCrossesIntoTheDisplayAndBackBesideTheMirror) {
   EXPECT_TRUE(manager.isMouseOnTargetDisplay.get());
 }
 
+// A reading that is late (the user has already moved on, to the mirror's buttons, say) moves
+// nothing: the jump is made only from where the reading was, either way.
+TEST_F(MouseTeleportTest, ALateReadingMovesNothing) {
+  const Point readings[] = {{300, 212.5}, {1921, 720}};
+  for (const Point reading : readings) {
+    server.movePointer({300, 90});  // on the mirror's band, above the picture
+    server.lateReading = reading;
+    scheduler.advance(MouseTeleportManager::checkInterval);
+    EXPECT_TRUE(warps().empty()) << reading.x;
+    EXPECT_EQ(server.pointer(), (Point{300, 90}));
+  }
+}
+
 // Only the editor or this program in front lets the pointer in; leaving works whoever is in front.
 TEST_F(MouseTeleportTest, FrontApplicationGuardsTheWayInOnly) {
   struct Case {

@@ -62,11 +62,25 @@ void X11SyntheticInput::fakeButton(std::uint8_t type, Point at) {
   x_.check(button);
 }
 
-// WarpPointer with no source window moves the pointer by the destination's coordinates; the
-// server reports it to clients as ordinary motion and nothing else.
-void X11SyntheticInput::warpPointer(Point at) {
+// WarpPointer to the root's coordinates; the server reports it to clients as ordinary motion and
+// nothing else. With the root as source window, the server itself checks that the pointer is
+// still in the source rectangle, in the same step as the move: no reading of ours can be late.
+void X11SyntheticInput::warpPointer(Point at, std::optional<Rect> onlyFrom) {
   auto* c = x_.get();
-  x_.check(xcb_warp_pointer_checked(c, XCB_NONE, x_.root(), 0, 0, 0, 0, pixel(at.x), pixel(at.y)));
+  xcb_window_t source = XCB_NONE;
+  std::int16_t left = 0, top = 0;
+  std::uint16_t width = 0, height = 0;  // zero would mean "to the window's edge"
+  if (onlyFrom) {
+    if (onlyFrom->isEmpty()) return;
+    source = x_.root();
+    left = pixel(onlyFrom->minX());
+    top = pixel(onlyFrom->minY());
+    // The server counts the far edge in: the last pixel inside is the one before it.
+    width = std::uint16_t(std::max(int(std::ceil(onlyFrom->maxX())) - 1 - left, 1));
+    height = std::uint16_t(std::max(int(std::ceil(onlyFrom->maxY())) - 1 - top, 1));
+  }
+  x_.check(xcb_warp_pointer_checked(c, source, x_.root(), left, top, width, height, pixel(at.x),
+                                    pixel(at.y)));
   if (warped_) warped_();
 }
 

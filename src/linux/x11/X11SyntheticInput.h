@@ -19,7 +19,7 @@ class X11SyntheticInput final : public SyntheticInput {
 
   void leftButtonDown(Point at) override;
   void leftButtonUp(Point at) override;
-  void warpPointer(Point at) override;
+  void warpPointer(Point at, std::optional<Rect> onlyFrom) override;
 
   bool hasXTest() const { return hasXTest_; }
 
