@@ -9,7 +9,8 @@ Started by run.sh. In its own Xorg dummy session (openbox, tray, a stand-in "Cap
    reduction of the pattern to the same size; so is one frame of ffmpeg x11grab scaled to that
    size with its default scaler. The whole picture and the text block alone; SSIM from ffmpeg's
    ssim filter.
-2. Cost: for the mirror enlarged on DUMMY1 and for the display list (both cards live), the
+2. Cost: for the mirror enlarged on DUMMY1 and for the display list (both cards live), at each of
+   DUMMY1's sizes (2560x1440, then 1920x1080 and 3840x2160 where the server takes them), the
    generator draws on DUMMY1 in each mode while ORLET's CPU (all threads, /proc schedstat) and the
    X server's extra over a baseline with the panel hidden are measured; painted fps come from
    ORLET's own --stats counters; peak memory from VmHWM. ffmpeg x11grab at 30 fps scaled to the
@@ -77,6 +78,7 @@ class Session:
         self.orlet = subprocess.Popen([args.orlet, "--stats"], env=self.env, stdout=self.log,
                                       stderr=self.log)
         self.button = self.wait_for_window(40, 40)
+        self.size = (2560, 1440)
 
     def close(self):
         for proc in (self.orlet, self.editor):
@@ -130,6 +132,20 @@ class Session:
     def back(self):
         self.click(self.panel["X"] + 8 + 11, self.panel["Y"] + 8 + 11)
         time.sleep(1.0)
+
+    def use_size(self, size):
+        """Gives DUMMY1 `size` ("WxH") beside the main display, the panel hidden; False where the
+        server refuses that mode."""
+        mode = {"2560x1440": "2560x1440_60", "3840x2160": "3840x2160_60"}.get(size, size)
+        # A mode only the main display lists yet (1920x1080) is lent to DUMMY1 first.
+        subprocess.run(["xrandr", "--addmode", "DUMMY1", mode], env=self.env, capture_output=True)
+        done = subprocess.run(["xrandr", "--output", "DUMMY1", "--mode", mode, "--pos", "1920x0"],
+                              env=self.env, capture_output=True)
+        if done.returncode != 0:
+            return False
+        self.size = tuple(int(v) for v in size.split("x"))
+        time.sleep(1.0)
+        return True
 
     def counters(self):
         self.log.flush()
@@ -245,7 +261,8 @@ def latency(session):
 
 
 def measure(session, mode, reader=None):
-    gen = subprocess.Popen([session.args.generator, session.display, "1920", "0", "2560", "1440",
+    w, h = session.size
+    gen = subprocess.Popen([session.args.generator, session.display, "1920", "0", str(w), str(h),
                             mode, str(WINDOW + 3), os.path.join(session.tmp, "gen.log")])
     time.sleep(0.5)
     proc = reader() if reader else None
@@ -270,22 +287,42 @@ def measure(session, mode, reader=None):
 
 def ffmpeg(session):
     x, y, w, h = PICTURE
+    size = "%dx%d" % session.size
     return lambda: subprocess.Popen(
         ["ffmpeg", "-hide_banner", "-loglevel", "error", "-nostats", "-f", "x11grab", "-draw_mouse",
-         "0", "-framerate", str(FFMPEG_FPS), "-video_size", "2560x1440", "-i",
+         "0", "-framerate", str(FFMPEG_FPS), "-video_size", size, "-i",
          f"{session.display}+1920,0", "-vf", f"scale={w}:{h}", "-f", "null", "-"],
         env=session.env, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-def cost(session, modes):
+def cost(session, modes, sizes):
     rows = []
-    session.show_list()
-    session.enlarge_second()
-    p50, p99, lost = latency(session)
-    print(f"\nChange on DUMMY1 to painted pixels in the enlarged mirror: p50 {p50:.1f} ms, "
-          f"p99 {p99:.1f} ms ({lost:.0f} of 150 changes not seen within 1 s)", flush=True)
-    session.back()
-    session.toggle_panel()
+    for size in sizes:
+        if not session.use_size(size):
+            print(f"\nDUMMY1 cannot be {size} on this server: skipped", flush=True)
+            continue
+        print(f"\nDUMMY1 at {size}:", flush=True)
+        if size == "2560x1440":  # the probe's square is placed for this size
+            session.show_list()
+            session.enlarge_second()
+            p50, p99, lost = latency(session)
+            print(f"Change on DUMMY1 to painted pixels in the enlarged mirror: p50 {p50:.1f} ms, "
+                  f"p99 {p99:.1f} ms ({lost:.0f} of 150 changes not seen within 1 s)", flush=True)
+            session.back()
+            session.toggle_panel()
+        rows += cost_at(session, size, modes)
+    print("\n| size | mode | view | ORLET+X % core | ffmpeg+X % core | ratio | painted fps "
+          "| captured fps | paint ms/frame | ORLET VmHWM MB |")
+    print("|---|---|---|---|---|---|---|---|---|---|")
+    for size, mode, view, r, share, ref_share in rows:
+        ratio = share / ref_share if ref_share > 0 else float("nan")
+        print(f"| {size} | {mode} | {view} | {share * 100:.2f} | {ref_share * 100:.2f} "
+              f"| {ratio:.3f} | {r['painted']:.1f} | {r['captured']:.1f} | {r['paint_ms']:.2f} "
+              f"| {r['vmhwm']:.0f} |")
+
+
+def cost_at(session, size, modes):
+    rows = []
     for mode in modes:
         base = measure(session, mode)  # the panel hidden: ORLET captures nothing
         ref = measure(session, mode, ffmpeg(session))
@@ -298,18 +335,11 @@ def cost(session, modes):
         ref_share = ref["cpu"] + max(0.0, ref["xorg"] - base["xorg"])
         for view, r in (("enlarged", mirror), ("list, 2 cards", grid)):
             share = r["cpu"] + max(0.0, r["xorg"] - base["xorg"])
-            rows.append((mode, view, r, share, ref_share))
+            rows.append((size, mode, view, r, share, ref_share))
             print(f"  {mode} {view}: ORLET+X {share * 100:.2f} % of a core, painted "
                   f"{r['painted']:.1f}/s, captured {r['captured']:.1f}/s; ffmpeg+X "
                   f"{ref_share * 100:.2f} %", flush=True)
-    print("\n| mode | view | ORLET+X % core | ffmpeg+X % core | ratio | painted fps "
-          "| captured fps | paint ms/frame | ORLET VmHWM MB |")
-    print("|---|---|---|---|---|---|---|---|---|")
-    for mode, view, r, share, ref_share in rows:
-        ratio = share / ref_share if ref_share > 0 else float("nan")
-        print(f"| {mode} | {view} | {share * 100:.2f} | {ref_share * 100:.2f} | {ratio:.3f} "
-              f"| {r['painted']:.1f} | {r['captured']:.1f} | {r['paint_ms']:.2f} "
-              f"| {r['vmhwm']:.0f} |")
+    return rows
 
 
 def main():
@@ -322,15 +352,16 @@ def main():
     parser.add_argument("--probe", required=True)
     parser.add_argument("--reduce-cost", required=True)
     parser.add_argument("--modes", default="full,box,typing,static")
+    parser.add_argument("--sizes", default="2560x1440,1920x1080,3840x2160")
     parser.add_argument("--skip-quality", action="store_true")
     args = parser.parse_args()
     session = Session(args)
     try:
         if not args.skip_quality:
             quality(session, make_pattern(session.tmp))
-        print(f"\nCost on DUMMY1 2560x1440, {WINDOW:.0f} s windows; ffmpeg at {FFMPEG_FPS} fps "
-              f"scaled to {PICTURE[2]}x{PICTURE[3]}; X extra over the panel hidden:")
-        cost(session, args.modes.split(","))
+        print(f"\nCost on DUMMY1, {WINDOW:.0f} s windows; ffmpeg at {FFMPEG_FPS} fps scaled to "
+              f"{PICTURE[2]}x{PICTURE[3]}; X extra over the panel hidden:")
+        cost(session, args.modes.split(","), args.sizes.split(","))
     finally:
         session.close()
     print("\nCPU time of one full change reduced (capture thread's work, load-independent):")

@@ -4,7 +4,7 @@
 # with --stats and prints, beside `ffmpeg -f x11grab` + scale to the same size, what the mirror
 # and the display list cost, how long a change takes to reach the mirror and how faithful the
 # mirror's picture is; then the CPU time of one reduction, which does not depend on the load.
-#   bench/picture/run.sh [--display :66] [--modes full,box,typing,static]
+#   bench/picture/run.sh [--display :66] [--modes full,box,typing,static] [--sizes 2560x1440,...]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${ORLET_BENCH_BUILD:-$root/build-picture-bench}
