@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QResizeEvent>
+#include <QTimer>
 #include <chrono>
 
 #include "foundation/RenderCounters.h"
@@ -18,6 +19,8 @@ namespace {
 const QColor kShadowColor(0, 0, 0, 85);
 // Over a picture that is no longer live: dark enough to read white text on any picture.
 const QColor kVeilColor(0, 0, 0, 150);
+// Long enough for a window manager to have answered the panel's change of state.
+constexpr std::chrono::milliseconds kRepaintFirstAfter{300};
 
 // Where the reduced picture is drawn: the picture's rectangle on whole pixels, so that it is
 // copied one to one.
@@ -51,7 +54,13 @@ void FrameView::setFrame(FrameRef frame) {
   image_ = QImage(frame_->pixels(), frame_->width(), frame_->height(),
                   static_cast<qsizetype>(frame_->stride()), QImage::Format_RGB32);
   image_.setDevicePixelRatio(devicePixelRatioF());
-  if (!had) return update();  // the shadow too
+  if (!had) {
+    // A compositing window manager (Mutter) can keep showing what a window held before its
+    // last change of state until the window paints again after it; a still display sends no
+    // second picture, so the first one is painted once more a moment later.
+    QTimer::singleShot(kRepaintFirstAfter, this, [this] { update(); });
+    return update();  // the shadow too
+  }
   const QRect target = pixelRect(pictureRect());
   const bool follows = frame_->sequence() != 0 && frame_->sequence() == previous->sequence() + 1 &&
                        frame_->width() == previous->width() &&
