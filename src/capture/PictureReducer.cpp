@@ -11,6 +11,11 @@ namespace {
 using reduction::weightBits;
 constexpr std::int32_t unit = 1 << weightBits;
 constexpr double lobes = 3;
+// Weights are taken within this many lobes of the centre. The last quarter lobe weighs under 1 %
+// and leaves the picture as faithful (the same PSNR to a tenth of a decibel on a test pattern);
+// without it the mirror's columns weigh 16 pixels instead of 20 (17, padded to a multiple of
+// four) and its rows 15 or 16 instead of 17.
+constexpr double lobesTaken = 2.75;
 // Sums of a block's pixels stay within 16 bits up to 16×16 blocks.
 constexpr int maxBlockShift = 4;
 constexpr int channels = int(Frame::bytesPerPixel);
@@ -19,7 +24,7 @@ constexpr int acrossMultiple = 4;
 
 double lanczos(double x) {
   if (x == 0) return 1;
-  if (std::abs(x) >= lobes) return 0;
+  if (std::abs(x) >= lobesTaken) return 0;
   const double px = std::numbers::pi * x;
   return lobes * std::sin(px) * std::sin(px / lobes) / (px * px);
 }
@@ -98,7 +103,7 @@ std::vector<PictureReducer::Taps> PictureReducer::taps(double from, int pixels, 
   if (pixels <= 0) return result;
   const double scale = from / to;
   const double stretch = std::max(scale, 1.0);  // an enlargement interpolates, unfiltered
-  const double support = lobes * stretch;
+  const double support = lobesTaken * stretch;
   std::vector<double> raw;
   for (int i = 0; i < to; ++i) {
     const double centre = (i + 0.5) * scale;
@@ -217,12 +222,9 @@ void PictureReducer::reduceDown(const std::uint8_t* pixels, std::size_t stride,
     pixels = down.averaged.data();
     stride = std::size_t(to.width) * channels;
   }
-  for (int y = begin; y < end; ++y) {
-    const Taps& t = rows_[std::size_t(y)];
-    reduction::weighDown(pixels + stride * std::size_t(t.first - to.y), stride,
-                         weights_.data() + t.weights, t.count, to.width * channels,
-                         down.mutableRow(y) + std::size_t(to.x) * channels);
-  }
+  reduction::weighDown(pixels, stride, to.y, &rows_[std::size_t(begin)], end - begin,
+                       weights_.data(), to.width * channels,
+                       down.mutableRow(begin) + std::size_t(to.x) * channels, down.stride());
 }
 
 // Averages the source pixels of `source` (whole blocks) into its blocks, packed rows, in

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
 #include <random>
 
 namespace orlet {
@@ -81,6 +83,43 @@ TEST(PictureReducerTest, ReducingWhatAChangeAffectsEqualsReducingEverything) {
           << s.width << "x" << s.height << " step " << step;
     }
   }
+}
+
+// Every instruction-set level the processor has weighs exactly as the plain one, down and across:
+// reductions with and without blocks, sizes that leave tails of channels, rows and columns, and
+// an enlargement (few taps, not a multiple of four at the edges).
+TEST(PictureReducerTest, EveryInstructionSetGivesThePlainResults) {
+  std::mt19937 random(5);
+  const reduction::Level previous = reduction::setLevel(reduction::Level::plain);
+  for (const Sizes& s : {Sizes{2560, 1440, 900, 506}, Sizes{2560, 1440, 197, 111},
+                         Sizes{1003, 517, 311, 97}, Sizes{301, 171, 900, 506}}) {
+    PictureReducer reducer(s.sourceWidth, s.sourceHeight, s.width, s.height);
+    auto source = Frame::allocate(s.sourceWidth, s.sourceHeight);
+    for (std::size_t i = 0; i < source->byteCount(); ++i) {
+      source->mutablePixels()[i] = std::uint8_t(random());
+    }
+    // Into sums and pixels that hold something else: a value left out shows.
+    const auto reduce = [&](reduction::Level level, ReducedDown& down, Frame& out) {
+      std::fill(down.sums.begin(), down.sums.end(), std::int16_t(0x5A5A));
+      std::memset(out.mutablePixels(), 0x5A, out.byteCount());
+      reduction::setLevel(level);
+      reducer.reduceDown(source->pixels(), source->stride(), {0, 0, s.sourceWidth, s.sourceHeight},
+                         down);
+      reducer.reduce(down, out, {0, 0, s.width, s.height});
+    };
+    ReducedDown plainDown = reducer.reducedDown(), down = reducer.reducedDown();
+    auto plain = Frame::allocate(s.width, s.height), out = Frame::allocate(s.width, s.height);
+    reduce(reduction::Level::plain, plainDown, *plain);
+    for (const reduction::Level level : {reduction::Level::avx2, reduction::Level::avx512}) {
+      if (!reduction::available(level)) continue;
+      reduce(level, down, *out);
+      EXPECT_TRUE(down.sums == plainDown.sums)
+          << s.width << "x" << s.height << " level " << int(level);
+      EXPECT_EQ(std::memcmp(out->pixels(), plain->pixels(), plain->byteCount()), 0)
+          << s.width << "x" << s.height << " level " << int(level);
+    }
+  }
+  reduction::setLevel(previous);
 }
 
 }  // namespace
