@@ -68,7 +68,8 @@ Options parseOptions(int argc, char** argv) {
   const QCommandLineOption version = parser.addVersionOption();
   const QCommandLineOption stats(
       QStringLiteral("stats"),
-      QStringLiteral("Écrit chaque seconde sur la sortie d'erreur ce que l'image a coûté."));
+      QStringLiteral("Écrit sur la sortie d'erreur ce que l'image a coûté, chaque seconde où "
+                     "cela change."));
   parser.addOption(stats);
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);

@@ -16,7 +16,10 @@ using std::chrono::milliseconds;
 // The cursor tracking and the crossing sample on timers that fire together: one round trip
 // serves both even while the pointer moves.
 constexpr milliseconds kSameSample{4};
-constexpr milliseconds kLongestQuiet{250};
+// With no input since the last reading, it stands this long: a little less than the samplers'
+// still interval (half a second), so that each still sample reads the server anew even when its
+// coarse timer fires a little early.
+constexpr milliseconds kLongestQuiet{450};
 
 constexpr std::uint32_t kPointerInput = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
                                         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
