@@ -30,11 +30,31 @@ QRect pixelRect(const QRectF& picture) {
 
 }  // namespace
 
+// Every pixel of a square picture is opaque and painted: with a widget of its own that says so,
+// repainting a changed part draws that part of the picture and nothing else, where the view
+// would first have the panel paint its background (a gradient) under it, only to cover it.
+class FrameView::Surface final : public QWidget {
+ public:
+  explicit Surface(FrameView* view) : QWidget(view), view_(view) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();  // until there is a picture
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override { view_->paintSurface(*this); }
+
+ private:
+  FrameView* view_;
+};
+
 FrameView::FrameView(Size displaySize, Look look, QWidget* parent)
     : QWidget(parent),
       displaySize_(displaySize),
       look_(std::move(look)),
       loading_(new BusyIndicator(look_.loadingText, 1.0, this)) {
+  if (look_.cornerRadius <= 0 && look_.shadowRadius <= 0) surface_ = new Surface(this);
   const int margin = look_.shadowRadius;
   setContentsMargins(margin, margin, margin, margin);
   setAttribute(Qt::WA_OpaquePaintEvent, false);
@@ -44,7 +64,10 @@ void FrameView::setFrame(FrameRef frame) {
   const bool had = frame_ != nullptr;
   const FrameRef previous = std::move(frame_);
   frame_ = std::move(frame);
-  if (had != (frame_ != nullptr)) loading_->setVisible(frame_ == nullptr);
+  if (had != (frame_ != nullptr)) {
+    loading_->setVisible(frame_ == nullptr);
+    if (surface_) surface_->setVisible(frame_ != nullptr);
+  }
   scaled_ = QImage();
   if (!frame_) {
     image_ = QImage();
@@ -58,8 +81,8 @@ void FrameView::setFrame(FrameRef frame) {
     // A compositing window manager (Mutter) can keep showing what a window held before its
     // last change of state until the window paints again after it; a still display sends no
     // second picture, so the first one is painted once more a moment later.
-    QTimer::singleShot(kRepaintFirstAfter, this, [this] { update(); });
-    return update();  // the shadow too
+    QTimer::singleShot(kRepaintFirstAfter, this, [this] { repaintAll(); });
+    return repaintAll();  // the shadow too
   }
   const QRect target = pixelRect(pictureRect());
   const bool follows = frame_->sequence() != 0 && frame_->sequence() == previous->sequence() + 1 &&
@@ -74,8 +97,16 @@ void FrameView::setFrame(FrameRef frame) {
                      QSizeF(pixels.size()) / devicePixelRatioF())
                   .toAlignedRect();
   }
+  if (surface_) return surface_->update(changed);
   // One pixel more on each side: the antialiased rounded edge blends with its neighbours.
   update(changed.translated(target.topLeft()).adjusted(-1, -1, 1, 1));
+}
+
+void FrameView::repaintAll() {
+  // The surface is repainted for its own sake: Qt leaves an opaque child out of its parent's
+  // repaint, since it paints all of itself.
+  update();
+  if (surface_) surface_->update();
 }
 
 void FrameView::setPictureSizeHandler(std::function<void(QSize)> handler) {
@@ -86,7 +117,7 @@ void FrameView::setPictureSizeHandler(std::function<void(QSize)> handler) {
 void FrameView::setNotice(const QString& notice) {
   if (notice == notice_) return;
   notice_ = notice;
-  update();
+  repaintAll();
 }
 
 QRectF FrameView::pictureRect() const {
@@ -103,6 +134,7 @@ QSize FrameView::devicePictureSize() const {
 
 void FrameView::resizeEvent(QResizeEvent*) {
   loading_->setGeometry(contentsRect());
+  if (surface_) surface_->setGeometry(pixelRect(pictureRect()));
   if (pictureSizeHandler_) pictureSizeHandler_(devicePictureSize());
 }
 
@@ -133,11 +165,26 @@ void FrameView::paintShadow(QPainter& painter, const QRectF& picture) {
 void FrameView::paintEvent(QPaintEvent*) {
   // Holding the reference keeps the pixels alive for the whole paint, whatever arrives meanwhile.
   const FrameRef frame = frame_;
-  if (!frame) return;
+  if (!frame || surface_) return;
   const QRectF picture = pictureRect();
   if (picture.isEmpty()) return;
   const auto started = std::chrono::steady_clock::now();
-  paintPicture(picture);
+  QPainter painter(this);
+  paintShadow(painter, picture);
+  paintPicture(painter, picture);
+  countPaint(started);
+}
+
+void FrameView::paintSurface(QWidget& surface) {
+  const FrameRef frame = frame_;
+  if (!frame || surface.rect().isEmpty()) return;
+  const auto started = std::chrono::steady_clock::now();
+  QPainter painter(&surface);
+  paintPicture(painter, QRectF(surface.rect()));
+  countPaint(started);
+}
+
+void FrameView::countPaint(std::chrono::steady_clock::time_point started) {
   auto& counters = RenderCounters::process();
   counters.framesPainted.fetch_add(1, std::memory_order_relaxed);
   counters.paintNanoseconds.fetch_add(
@@ -147,10 +194,7 @@ void FrameView::paintEvent(QPaintEvent*) {
       std::memory_order_relaxed);
 }
 
-void FrameView::paintPicture(const QRectF& picture) {
-  QPainter painter(this);
-  paintShadow(painter, picture);
-
+void FrameView::paintPicture(QPainter& painter, const QRectF& picture) {
   const QRect target = pixelRect(picture);
   QPainterPath shape;
   shape.addRoundedRect(QRectF(target), look_.cornerRadius, look_.cornerRadius);

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QWidget>
+#include <chrono>
 #include <functional>
 
 #include "foundation/Geometry.h"
@@ -15,7 +16,8 @@ class BusyIndicator;
 // changed. Frames are expected at the size the picture is drawn (the capture reduces them; see
 // setPictureSizeHandler) and are then copied one to one; frames of another size (the capture has
 // not caught up with a resize yet) are scaled. Until a frame arrives (and after the capture
-// stopped) it shows a loading indicator instead.
+// stopped) it shows a loading indicator instead. A square picture is painted by an opaque child
+// widget of exactly its rectangle, so that repainting part of it paints nothing underneath.
 class FrameView final : public QWidget {
  public:
   struct Look {
@@ -45,7 +47,12 @@ class FrameView final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  void paintPicture(const QRectF& picture);
+  class Surface;
+
+  void paintPicture(QPainter& painter, const QRectF& picture);
+  void paintSurface(QWidget& surface);
+  void repaintAll();
+  void countPaint(std::chrono::steady_clock::time_point started);
   void paintShadow(QPainter& painter, const QRectF& picture);
   void paintNotice(QPainter& painter, const QRectF& picture);
   const QImage& imageFor();
@@ -56,6 +63,7 @@ class FrameView final : public QWidget {
   Look look_;
   FrameRef frame_;
   QString notice_;
+  Surface* surface_ = nullptr;  // square pictures only
   BusyIndicator* loading_;
   QImage image_;   // frame_'s pixels, shared
   QImage scaled_;  // image_ scaled to the picture, when the frame is not of its size
