@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "foundation/Geometry.h"
+#include "foundation/Subscription.h"
 
 namespace orlet {
 
@@ -28,6 +30,13 @@ class CursorSource {
 
   // The current cursor; nullptr when it is not known (hidden, or the desktop cannot tell).
   virtual CursorImageRef currentCursor() const = 0;
+
+  // Calls `changed` on the main thread each time the desktop changes the cursor's shape, for as
+  // long as the subscription is held; a desktop that cannot tell never calls it.
+  [[nodiscard]] virtual Subscription observeChanges(std::function<void()> changed) const {
+    (void)changed;
+    return {};
+  }
 };
 
 }  // namespace orlet

@@ -10,11 +10,20 @@ CursorTracker::CursorTracker(Scheduler& scheduler, const CursorSource& cursor,
       timer_(scheduler, pointer, sampleInterval, [this] { updateCursor(); }) {}
 
 void CursorTracker::startTracking(std::uint32_t) {
+  if (isTracking()) return;
   timer_.start();
+  // A new shape under a resting pointer (a busy cursor, say) is drawn at once, not at the next
+  // still sample; on the next turn, as the news may come from inside a reading of the server.
+  shapes_ = cursor_.observeChanges(lifetime_.guard([this] {
+    scheduler_.async(lifetime_.guard([this] {
+      if (isTracking()) updateCursor();
+    }));
+  }));
 }
 
 void CursorTracker::stopTracking() {
   timer_.stop();
+  shapes_ = Subscription();
 }
 
 // The pointer is read in root coordinates, top-left origin, the system the mirror uses: no

@@ -12,9 +12,10 @@
 
 namespace orlet {
 
-// Samples the system cursor (image and hot spot) and the pointer sixty times a second (a few
-// times a second while the pointer is still) and publishes them when they change, so that the
-// mirror can draw the cursor where the real pointer stands. The position is global: which display
+// Samples the system cursor (image and hot spot) and the pointer sixty times a second (once a
+// second while the pointer is still, and at once when the cursor changes shape under it) and
+// publishes them when they change, so that the mirror can draw the cursor where the real pointer
+// stands. The position is global: which display
 // it is on is for the mirror to decide. Main thread only.
 class CursorTracker final : public PreviewCompanion {
  public:
@@ -48,6 +49,7 @@ class CursorTracker final : public PreviewCompanion {
   };
 
   Sample sampled_;  // the last sample handed on for publication
+  Subscription shapes_;
   Lifetime lifetime_;
   SamplingTimer timer_;
 };

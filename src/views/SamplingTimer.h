@@ -13,15 +13,15 @@ namespace orlet {
 // A sampling timer paced by the pointer: `work` runs every `interval` while the pointer has had
 // input within the last `stillAfter`, then only every `stillInterval`, and again at once and at
 // the full rate at its next input. What is sampled (the pointer, the cursor, the mirror's place)
-// changes with the user's hands, so a still pointer costs two wake-ups a second instead of
-// sixty, and a moving one loses no sample. A pointer moved with no input (another program's
-// warp, which is rare) is seen within half a second, as the window server's own readings promise.
+// changes with the user's hands, so a still pointer costs one wake-up a second instead of sixty,
+// and a moving one loses no sample. A pointer moved with no input (another program's warp, which
+// is rare) is seen within a second, as the window server's own readings promise.
 // With a window server that cannot report input, the full rate holds throughout. Main thread
 // only.
 class SamplingTimer {
  public:
   static constexpr Seconds stillAfter{0.5};
-  static constexpr Seconds stillInterval{0.5};
+  static constexpr Seconds stillInterval{1.0};
 
   SamplingTimer(Scheduler& scheduler, const WindowServer& pointer, Seconds interval,
                 std::function<void()> work);

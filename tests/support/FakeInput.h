@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Scheduler.h"
 #include "platform/CursorSource.h"
 #include "platform/SyntheticInput.h"
@@ -50,6 +51,15 @@ class FakeSyntheticInput final : public SyntheticInput {
 class FakeCursorSource final : public CursorSource {
  public:
   CursorImageRef currentCursor() const override { return cursor; }
+  [[nodiscard]] Subscription observeChanges(std::function<void()> changed) const override {
+    return changes_.add(std::move(changed));
+  }
+
+  // The desktop changes the cursor's shape, and says so.
+  void change(CursorImageRef image) {
+    cursor = std::move(image);
+    changes_.call();
+  }
 
   // A plain cursor of `width` x `height` with its hot spot at `hotSpot`.
   static CursorImageRef make(int width, int height, Point hotSpot, std::uint64_t serial = 1) {
@@ -63,6 +73,9 @@ class FakeCursorSource final : public CursorSource {
   }
 
   CursorImageRef cursor;
+
+ private:
+  mutable HandlerList<> changes_;
 };
 
 }  // namespace orlet::test

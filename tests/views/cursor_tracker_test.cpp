@@ -74,5 +74,22 @@ TEST_F(CursorTrackerTest, NothingIsPublishedWithoutACursor) {
   EXPECT_EQ(tracker.mouseScreenPosition.get(), (Point{0, 0}));
 }
 
+// A new shape under a resting pointer (a busy cursor, say) is published on the desktop's notice,
+// not at the next still sample; once the tracking stopped, a notice changes nothing.
+TEST_F(CursorTrackerTest, ANewShapeUnderAStillPointerIsPublishedAtOnce) {
+  cursor.cursor = test::FakeCursorSource::make(24, 32, {3, 5});
+  tracker.startTracking(7);
+  scheduler.advance(Seconds{2});  // long enough to sample at the still rate
+  cursor.change(test::FakeCursorSource::make(32, 32, {16, 16}, 2));
+  scheduler.runUntilIdle();
+  EXPECT_EQ(tracker.cursorImage.get(), cursor.cursor);
+  EXPECT_EQ(tracker.hotSpot.get(), (Point{16, 16}));
+
+  tracker.stopTracking();
+  cursor.change(test::FakeCursorSource::make(8, 8, {0, 0}, 3));
+  scheduler.runUntilIdle();
+  EXPECT_NE(tracker.cursorImage.get(), cursor.cursor);
+}
+
 }  // namespace
 }  // namespace orlet

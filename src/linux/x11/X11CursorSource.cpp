@@ -52,7 +52,9 @@ X11CursorSource::X11CursorSource(const XConnection& x, XEventSource& events,
 }
 
 void X11CursorSource::handle(const xcb_generic_event_t& event) {
-  if ((event.response_type & 0x7f) == cursorNotify_) stale_ = true;
+  if ((event.response_type & 0x7f) != cursorNotify_) return;
+  stale_ = true;
+  changes_.call();
 }
 
 CursorImageRef X11CursorSource::currentCursor() const {

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 
+#include "foundation/HandlerList.h"
 #include "foundation/Subscription.h"
 #include "linux/x11/XConnection.h"
 #include "linux/x11/XEventSource.h"
@@ -17,6 +18,9 @@ class X11CursorSource final : public CursorSource {
   X11CursorSource(const XConnection& x, XEventSource& events, std::ostream& diagnostics);
 
   CursorImageRef currentCursor() const override;
+  [[nodiscard]] Subscription observeChanges(std::function<void()> changed) const override {
+    return changes_.add(std::move(changed));
+  }
 
  private:
   void handle(const xcb_generic_event_t& event);
@@ -25,6 +29,7 @@ class X11CursorSource final : public CursorSource {
   std::uint8_t cursorNotify_ = 0;  // the extension's event code, 0 without XFIXES
   mutable CursorImageRef cached_;
   mutable bool stale_ = true;
+  mutable HandlerList<> changes_;
   Subscription subscription_;
 };
 

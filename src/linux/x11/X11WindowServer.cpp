@@ -17,9 +17,9 @@ using std::chrono::milliseconds;
 // serves both even while the pointer moves.
 constexpr milliseconds kSameSample{4};
 // With no input since the last reading, it stands this long: a little less than the samplers'
-// still interval (half a second), so that each still sample reads the server anew even when its
+// still interval (a second), so that each still sample reads the server anew even when its
 // coarse timer fires a little early.
-constexpr milliseconds kLongestQuiet{450};
+constexpr milliseconds kLongestQuiet{900};
 
 constexpr std::uint32_t kPointerInput = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
                                         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
