@@ -5,6 +5,9 @@
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 #define ORLET_AVX2 1
+#if defined(__clang__)
+#include <immintrin.h>
+#else
 // GCC 12 reports the undefined vectors its own AVX-512 intrinsics start from as uninitialised
 // (GCC bug 105593, fixed in GCC 12.3).
 #pragma GCC diagnostic push
@@ -12,6 +15,7 @@
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #include <immintrin.h>
 #pragma GCC diagnostic pop
+#endif
 #endif
 
 namespace orlet::reduction {
@@ -381,8 +385,9 @@ ORLET_AVX512 void widestDown(const std::uint8_t* top, std::size_t stride, int or
 }
 
 // Four rows at once as wideAcrossFour(), each multiply-add and addition fused into one: about a
-// tenth faster. (Eight taps to a 512-bit register were slower: a column's taps, twenty for the
-// mirror, then leave a masked half to weigh, and Zen 4 weighs 512 bits in two halves anyway.)
+// tenth faster. (Eight taps to a 512-bit register were slower with the twenty taps a column of
+// the mirror had when the filter's last quarter lobe was still weighed, which left a masked half;
+// Zen 4 weighs 512 bits in two halves anyway.)
 ORLET_AVX512 void widestAcrossFour(const std::int16_t* row, std::size_t stride, int origin,
                                    const Taps* columns, int count, const std::int16_t* weights,
                                    std::uint8_t* out, std::size_t outStride) {
