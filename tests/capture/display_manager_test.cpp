@@ -60,9 +60,12 @@ TEST_F(DisplayManagerTest, KeepsDisplaysWhoseFirstSampleHasAPictureMainFirstOthe
   EXPECT_EQ(mostAtOnce, 1u);  // one test capture at a time
   EXPECT_GE(scheduler.now().count(), 6 * DisplayManager::testPeriod.count());
   EXPECT_EQ(manager->activeStreamCount(), 0u);
-  // Each test captured the whole display at its own size.
+  // Each test captured the whole display at its own size, once: no second picture comes within the
+  // test period.
   EXPECT_EQ(service.streams.at(1)->configuration().width, 1920);
   EXPECT_EQ(service.streams.at(1)->configuration().height, 1080);
+  EXPECT_GT(service.streams.at(1)->configuration().minimumFrameInterval.seconds(),
+            DisplayManager::testPeriod);
 }
 
 TEST_F(DisplayManagerTest, NoDisplayWithAPictureOrNoContentGivesAnEmptyList) {
