@@ -13,12 +13,8 @@ void CursorTracker::startTracking(std::uint32_t) {
   if (isTracking()) return;
   timer_.start();
   // A new shape under a resting pointer (a busy cursor, say) is drawn at once, not at the next
-  // still sample; on the next turn, as the news may come from inside a reading of the server.
-  shapes_ = cursor_.observeChanges(lifetime_.guard([this] {
-    scheduler_.async(lifetime_.guard([this] {
-      if (isTracking()) updateCursor();
-    }));
-  }));
+  // still sample.
+  shapes_ = cursor_.observeChanges(lifetime_.guard([this] { timer_.sampleSoon(); }));
 }
 
 void CursorTracker::stopTracking() {

@@ -15,8 +15,8 @@ namespace orlet {
 // Samples the system cursor (image and hot spot) and the pointer sixty times a second (once a
 // second while the pointer is still, and at once when the cursor changes shape under it) and
 // publishes them when they change, so that the mirror can draw the cursor where the real pointer
-// stands. The position is global: which display
-// it is on is for the mirror to decide. Main thread only.
+// stands. The position is global: which display it is on is for the mirror to decide. Main thread
+// only.
 class CursorTracker final : public PreviewCompanion {
  public:
   static constexpr Seconds sampleInterval{1.0 / 60};

@@ -36,7 +36,10 @@ void SamplingTimer::pointerHadInput() {
   lastInput_ = scheduler_.now();
   if (!still_ || !isRunning()) return;
   sampleAt(false);
-  // On the next turn: the news may come from inside a reading of the pointer.
+  sampleSoon();
+}
+
+void SamplingTimer::sampleSoon() {
   scheduler_.async(lifetime_.guard([this] {
     if (isRunning()) work_();
   }));

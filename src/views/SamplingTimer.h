@@ -15,9 +15,8 @@ namespace orlet {
 // the full rate at its next input. What is sampled (the pointer, the cursor, the mirror's place)
 // changes with the user's hands, so a still pointer costs one wake-up a second instead of sixty,
 // and a moving one loses no sample. A pointer moved with no input (another program's warp, which
-// is rare) is seen within a second, as the window server's own readings promise.
-// With a window server that cannot report input, the full rate holds throughout. Main thread
-// only.
+// is rare) is seen within a second, as the window server's own readings promise. With a window
+// server that cannot report input, the full rate holds throughout. Main thread only.
 class SamplingTimer {
  public:
   static constexpr Seconds stillAfter{0.5};
@@ -30,6 +29,9 @@ class SamplingTimer {
   void start();
   void stop();
   bool isRunning() const { return timer_.isValid(); }
+  // One sample on the next turn, whatever the rate (the news that something changed may come
+  // from inside a reading of the server); none if stopped meanwhile.
+  void sampleSoon();
 
  private:
   void sampleAt(bool still);
