@@ -9,6 +9,8 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <sstream>
 #include <string>
 
 #include "app/MainApp.h"
@@ -30,16 +32,20 @@
 #include "linux/update/InstallLocation.h"
 #include "linux/update/LinuxUpdates.h"
 #include "linux/x11/DisplayProbe.h"
+#include "linux/x11/InstalledApplicationsOnly.h"
 #include "linux/x11/InstanceLock.h"
 #include "linux/x11/X11CursorSource.h"
 #include "linux/x11/X11KeyboardHook.h"
 #include "linux/x11/X11SyntheticInput.h"
 #include "linux/x11/X11WindowServer.h"
 #include "linux/x11/X11Workspace.h"
+#include "settings/EditorChoice.h"
 #include "settings/HotkeyManager.h"
 #include "settings/SettingsWindowController.h"
 #include "settings/ShortcutRecorderManager.h"
 #include "update/UpdaterSettings.h"
+#include "window/CaptureOneFocus.h"
+#include "window/EditorTexts.h"
 #include "window/WindowController.h"
 
 namespace {
@@ -57,27 +63,60 @@ struct Options {
   bool stats = false;
 };
 
+// The editor the help names: the one chosen, else one of the known editors installed. Which of
+// them runs cannot be known without a display.
+std::optional<std::string> editorNameWithoutDisplay() {
+  std::ostringstream ignored;
+  linux_qt::QSettingsStore settings{ignored};
+  MemoryDefaultsStore empty;
+  UserDefaults defaults{settings.isUsable() ? static_cast<DefaultsStore&>(settings) : empty};
+  const EditorChoice choice(defaults);
+  x11::InstalledApplicationsOnly workspace(x11::DesktopEntries::fromEnvironment());
+  return CaptureOneFocus(workspace, choice).editorName();
+}
+
+std::string lowercaseFirst(std::string text) {
+  if (!text.empty()) text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+  return text;
+}
+
+std::string helpText() {
+  return "Utilisation : orlet [--stats]\n"
+         "ORLET : " +
+         lowercaseFirst(editor_texts::description(editorNameWithoutDisplay())) +
+         ".\n\n"
+         "Options :\n"
+         "  -h, --help     Affiche cette aide et quitte.\n"
+         "  -v, --version  Affiche la version et quitte.\n"
+         "  --stats        Écrit sur la sortie d'erreur ce que l'image a coûté, chaque seconde où\n"
+         "                 cela change.\n";
+}
+
 // The command line, read before anything needs a display: --help and --version answer and
-// exit, an unknown option is an error.
+// exit, an unknown option is an error. Qt's own help and errors would be English.
 Options parseOptions(int argc, char** argv) {
-  QCoreApplication::setApplicationVersion(QStringLiteral(ORLET_VERSION));
   QCommandLineParser parser;
-  parser.setApplicationDescription(
-      QStringLiteral("ORLET : miniature vivante et cliquable d'un écran, à côté de Capture One."));
-  const QCommandLineOption help = parser.addHelpOption();
-  const QCommandLineOption version = parser.addVersionOption();
-  const QCommandLineOption stats(
-      QStringLiteral("stats"),
-      QStringLiteral("Écrit sur la sortie d'erreur ce que l'image a coûté, chaque seconde où "
-                     "cela change."));
-  parser.addOption(stats);
+  const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+  const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
+  const QCommandLineOption stats(QStringLiteral("stats"));
+  parser.addOptions({help, version, stats});
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
-  // The GUI application comes later and alone; a console one only answers --help, --version
-  // or a mistake, and exits.
-  if (!parser.parse(arguments) || parser.isSet(help) || parser.isSet(version)) {
-    QCoreApplication cli(argc, argv);
-    parser.process(cli);
+  if (!parser.parse(arguments)) {
+    const auto unknown = parser.unknownOptionNames();
+    std::cerr << "orlet: "
+              << (unknown.isEmpty() ? std::string("arguments incompris")
+                                    : "option inconnue : " + unknown.front().toStdString())
+              << "\nVoir « orlet --help ».\n";
+    std::exit(1);
+  }
+  if (parser.isSet(help)) {
+    std::cout << helpText();
+    std::exit(0);
+  }
+  if (parser.isSet(version)) {
+    std::cout << "ORLET " << ORLET_VERSION << '\n';
+    std::exit(0);
   }
   return {parser.isSet(stats)};
 }
@@ -119,6 +158,8 @@ struct Adapters {
                               scheduler,
                               x11::DesktopEntries::fromEnvironment(),
                               {instanceName, QCoreApplication::applicationName().toStdString()}};
+  EditorChoice editorChoice{defaults};
+  CaptureOneFocus editor{workspace, editorChoice};
   linux_qt::QtPanelFactory panels{*x, windowServer};
   linux_qt::QtStatusBar statusBar;
   linux_qt::QtApplication application;
@@ -127,8 +168,10 @@ struct Adapters {
   x11::X11CursorSource cursor{*x, events, std::cerr};
   std::unique_ptr<linux_qt::MirrorContent> mirror;
   std::unique_ptr<KeyboardHook> keyboard{x11::X11KeyboardHook::create(*x, events)};
+  Subscription editorDescription;
   linux_qt::QtSettingsPanelFactory settingsPanels{
-      *x, []() -> ShortcutRecorderManager& { return ShortcutRecorderManager::shared(); }};
+      *x, []() -> ShortcutRecorderManager& { return ShortcutRecorderManager::shared(); }, editor,
+      editorChoice};
   linux_update::LinuxUpdates updates{scheduler, defaults, builtInUpdaterSettings()};
 
   explicit Adapters(std::unique_ptr<x11::XConnection> connection)
@@ -143,7 +186,7 @@ struct Controllers {
   explicit Controllers(Adapters& a) {
     SharedInstance<WindowController>::setFactory([&a] {
       return std::make_unique<WindowController>(WindowController::Ports{
-          a.panels, a.workspace, a.windowServer, a.scheduler, a.notifications, a.defaults});
+          a.panels, a.editor, a.windowServer, a.scheduler, a.notifications, a.defaults});
     });
     SharedInstance<HotkeyManager>::setFactory([&a] {
       return std::make_unique<HotkeyManager>(
@@ -155,7 +198,7 @@ struct Controllers {
     });
     SharedInstance<SettingsWindowController>::setFactory([&a] {
       return std::make_unique<SettingsWindowController>(SettingsWindowController::Ports{
-          a.settingsPanels, a.scheduler, a.workspace, ShortcutRecorderManager::shared()});
+          a.settingsPanels, a.scheduler, a.editor, ShortcutRecorderManager::shared()});
     });
     SharedInstance<UpdateManager>::setFactory([&a] { return a.updates.makeManager(); });
   }
@@ -174,15 +217,24 @@ struct Controllers {
 // settings file: it leaves the screen to the one already there.
 std::string alreadyRunning(const x11::InstanceLock::Holder& holder) {
   const char* display = std::getenv("DISPLAY");
-  std::string text = "ORLET is already running on display " + std::string(display ? display : "");
-  if (holder.pid) text += " (process " + std::to_string(*holder.pid) + ")";
-  return text + "; this one quits";
+  std::string text = "ORLET est déjà lancé sur l'écran " + std::string(display ? display : "");
+  if (holder.pid) text += " (processus " + std::to_string(*holder.pid) + ")";
+  return text + " ; celui-ci se ferme";
+}
+
+// The session's start-up entry says what ORLET is beside: the editor chosen or found now.
+void describeInAutostart(Adapters& a) {
+  auto describe = [&a] {
+    a.settingsPanels.autostart().setComment(editor_texts::description(a.editor.editorName()));
+  };
+  describe();
+  a.editorDescription = a.editorChoice.observe(describe);
 }
 
 int run(QApplication& qt, int screen, const Options& options) {
   auto* native = qt.nativeInterface<QNativeInterface::QX11Application>();
   auto x = native ? x11::XConnection::borrow(native->connection(), screen) : nullptr;
-  if (!x) return fail("no X display (the X connection cannot be used)");
+  if (!x) return fail("aucun écran X (la connexion X est inutilisable)");
   x11::InstanceLock::Holder holder;
   const auto instance = x11::InstanceLock::acquire(*x, &holder);
   if (!instance) return fail(alreadyRunning(holder));
@@ -197,12 +249,13 @@ int run(QApplication& qt, int screen, const Options& options) {
         linux_qt::makeMirrorInteractive(
             view, dm,
             {adapters.scheduler, adapters.cursor, adapters.windowServer, adapters.input,
-             adapters.workspace, adapters.mirror->displayInfo(), isWindowVisible,
+             adapters.editor, adapters.mirror->displayInfo(), isWindowVisible,
              [] { return WindowController::shared().isWindowBeingMoved(); }});
       });
   adapters.panels.setMirrorContent([&adapters] { return adapters.mirror->makeView(); });
   Controllers controllers(adapters);
-  MainApp app({adapters.panels, adapters.statusBar, adapters.application, adapters.workspace,
+  describeInAutostart(adapters);
+  MainApp app({adapters.panels, adapters.statusBar, adapters.application, adapters.editor,
                adapters.windowServer, adapters.scheduler, adapters.notifications,
                adapters.defaults});
   // The diagnostic option: what the picture costs, reported once a second.
@@ -210,7 +263,7 @@ int run(QApplication& qt, int screen, const Options& options) {
   try {
     app.start();
   } catch (const std::exception& error) {
-    return fail(std::string("cannot start: ") + error.what());
+    return fail(std::string("démarrage impossible : ") + error.what());
   }
   QTimer::singleShot(confirmedAfterMs, &qt, [] {
     linux_update::pruneReplacedVersion(linux_update::locateThisInstall(), "/proc/self/exe");
@@ -229,7 +282,7 @@ int main(int argc, char** argv) {
 #endif
   const Options options = parseOptions(argc, argv);
   const auto probe = x11::probeDisplay();
-  if (!probe.reachable) return fail("no X display (" + probe.problem + ")");
+  if (!probe.reachable) return fail("aucun écran X (" + probe.problem + ")");
   // A Wayland session with XWayland: only the X11 backend can see other applications' windows.
   setenv("QT_QPA_PLATFORM", "xcb", 1);
   setenv("RESOURCE_NAME", instanceName, 1);
@@ -237,8 +290,8 @@ int main(int argc, char** argv) {
   QApplication qt(argc, argv);
   QGuiApplication::setQuitOnLastWindowClosed(false);
   if (QGuiApplication::platformName() != QLatin1String("xcb")) {
-    return fail("no X display (Qt runs on \"" + QGuiApplication::platformName().toStdString() +
-                "\", ORLET needs X11)");
+    return fail("aucun écran X (Qt fonctionne sur « " +
+                QGuiApplication::platformName().toStdString() + " », ORLET a besoin de X11)");
   }
   return run(qt, probe.screen, options);
 }

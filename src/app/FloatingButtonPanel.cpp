@@ -1,5 +1,7 @@
 #include "app/FloatingButtonPanel.h"
 
+#include "window/ScreenPlacement.h"
+
 namespace orlet {
 namespace {
 
@@ -34,7 +36,8 @@ PanelConfig FloatingButtonPanel::config() {
           .movableByBackground = true,
           .joinsAllSpaces = true,
           .hasShadow = false,
-          .face = face()};
+          .face = face(),
+          .toolTip = toolTip};
 }
 
 Drawing FloatingButtonPanel::face() {
@@ -47,10 +50,15 @@ Drawing FloatingButtonPanel::face() {
        fill(Kind::fillRect, centred({squareSide, barThickness}), Color::black())}};
 }
 
-void FloatingButtonPanel::restorePosition(Panel& panel, const UserDefaults& defaults) {
+void FloatingButtonPanel::restorePosition(Panel& panel, const UserDefaults& defaults,
+                                          const std::vector<ScreenArea>& screens) {
   const auto x = defaults.number(button_defaults::x);
   const auto y = defaults.number(button_defaults::y);
-  if (x && y) panel.setFrameOrigin({*x, *y});
+  if (x && y && liesOnAScreen(Rect::from({*x, *y}, size), screens)) {
+    panel.setFrameOrigin({*x, *y});
+  } else if (const auto corner = mainScreenCorner(screens)) {
+    panel.setFrameOrigin(*corner);
+  }
 }
 
 void FloatingButtonPanel::savePosition(const Panel& panel, UserDefaults& defaults) {

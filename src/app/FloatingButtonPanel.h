@@ -1,8 +1,12 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "foundation/UserDefaults.h"
 #include "platform/Drawing.h"
 #include "platform/Panel.h"
+#include "platform/WindowServer.h"
 
 namespace orlet {
 
@@ -19,13 +23,17 @@ class FloatingButtonPanel {
 
   static constexpr Size size{40, 40};
 
+  // Says what the button does: the panel never takes focus, so a hover is all it gets.
+  static constexpr char toolTip[] = "Afficher ou masquer le miroir de l'écran (clic droit : menu)";
+
   static PanelConfig config();
   // A black disc carrying a white rounded square with a thin black cross.
   static Drawing face();
 
-  // Restores the origin only when both coordinates are stored as numbers; otherwise the panel
-  // keeps its origin.
-  static void restorePosition(Panel& panel, const UserDefaults& defaults);
+  // Restores the saved origin when both coordinates are stored as numbers and the button would
+  // lie on a display; otherwise puts it at the main display's top-left corner.
+  static void restorePosition(Panel& panel, const UserDefaults& defaults,
+                              const std::vector<ScreenArea>& screens);
   static void savePosition(const Panel& panel, UserDefaults& defaults);
 };
 

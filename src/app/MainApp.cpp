@@ -6,8 +6,6 @@
 #include "app/FloatingButtonPanel.h"
 #include "app/StatusMenu.h"
 #include "settings/HotkeyManager.h"
-#include "window/CaptureOneFocus.h"
-#include "window/FrontApplication.h"
 #include "window/WindowController.h"
 
 namespace orlet {
@@ -22,12 +20,14 @@ void MainApp::start() {
   createButtonPanel();
   statusMenu_ = makeStatusMenu(AppMenuActions::shared(), ports_.application);
   ports_.statusBar.createStatusItem(statusItemIcon(), statusMenu_);
-  FloatingButtonPanel::restorePosition(*buttonPanel_, ports_.defaults);
+  FloatingButtonPanel::restorePosition(*buttonPanel_, ports_.defaults,
+                                       ports_.windowServer.screens());
   observeButtonMoves();
   installGestures();
   observeFrontApplication();
   HotkeyManager::shared().registerHotkey();
   observeHotkey();
+  observeEditorChoice();
   handleFrontAppDidChange();
   // Last, so that the button is visible at launch even when the evaluation above hid it.
   buttonPanel_->orderFrontRegardless();
@@ -35,7 +35,7 @@ void MainApp::start() {
 
 void MainApp::createButtonPanel() {
   buttonPanel_ = ports_.panels.createPanel(FloatingButtonPanel::config());
-  if (!buttonPanel_) throw std::runtime_error("cannot create the floating button");
+  if (!buttonPanel_) throw std::runtime_error("le bouton flottant ne peut pas être créé");
 }
 
 void MainApp::observeButtonMoves() {
@@ -57,7 +57,7 @@ void MainApp::installGestures() {
 // The notification arrives while the activation is still settling; one more turn of the main
 // queue lets the front application be read as it ends up.
 void MainApp::observeFrontApplication() {
-  subscriptions_.push_back(ports_.workspace.observeDidActivateApplication(
+  subscriptions_.push_back(ports_.editor.workspace().observeDidActivateApplication(
       [this] { ports_.scheduler.async(lifetime_.guard([this] { handleFrontAppDidChange(); })); }));
 }
 
@@ -68,24 +68,38 @@ void MainApp::observeHotkey() {
   }));
 }
 
+// A new choice takes effect at once: the button follows the new editor, and a pinned mirror is
+// stacked above it. The front application itself has not changed, so an unpinned mirror stays.
+void MainApp::observeEditorChoice() {
+  subscriptions_.push_back(ports_.editor.choice().observe([this] {
+    updateButtonVisibility(FrontApplication::read(ports_.editor));
+    WindowController::shared().editorChoiceDidChange();
+  }));
+}
+
 void MainApp::toggleMirror() {
   auto& controller = WindowController::shared();
   if (controller.toggleWindow(buttonPanel_.get())) controller.bringToFront();
 }
 
 void MainApp::reactivateEditor() {
-  CaptureOneFocus::activateIfRunning(ports_.workspace);
+  ports_.editor.activateIfRunning();
 }
 
 void MainApp::handleFrontAppDidChange() {
-  const auto front = FrontApplication::read(ports_.workspace);
+  const auto front = FrontApplication::read(ports_.editor);
   if (front.isOurs) reactivateEditor();
-  if (front.isCaptureOne || front.isOurs) {
+  updateButtonVisibility(front);
+  WindowController::shared().handleFrontAppChange(front.nameLowercased, front.isOurs);
+}
+
+// With no editor to follow, the button stays, or nothing would be left to open the mirror with.
+void MainApp::updateButtonVisibility(const FrontApplication& front) {
+  if (front.isEditor || front.isOurs || !ports_.editor.isEditorKnown()) {
     buttonPanel_->orderFrontRegardless();
   } else {
     buttonPanel_->orderOut();
   }
-  WindowController::shared().handleFrontAppChange(front.nameLowercased, front.isOurs);
 }
 
 }  // namespace orlet

@@ -13,7 +13,8 @@
 #include "platform/Panel.h"
 #include "platform/StatusBar.h"
 #include "platform/WindowServer.h"
-#include "platform/Workspace.h"
+#include "window/CaptureOneFocus.h"
+#include "window/FrontApplication.h"
 
 namespace orlet {
 
@@ -26,7 +27,7 @@ class MainApp {
     PanelFactory& panels;
     StatusBar& statusBar;
     Application& application;
-    Workspace& workspace;
+    const CaptureOneFocus& editor;
     const WindowServer& windowServer;
     Scheduler& scheduler;
     NotificationCenter& notifications;
@@ -42,8 +43,9 @@ class MainApp {
   // button cannot be created.
   void start();
 
-  // Shows the button only while the editor or this program is in front, hands activation back
-  // to the editor when this program came forward, and lets the mirror follow.
+  // Shows the button only while the editor or this program is in front (always, while no editor
+  // is known), hands activation back to the editor when this program came forward, and lets the
+  // mirror follow.
   void handleFrontAppDidChange();
 
   Panel* buttonPanel() const { return buttonPanel_.get(); }
@@ -55,6 +57,8 @@ class MainApp {
   void installGestures();
   void observeFrontApplication();
   void observeHotkey();
+  void observeEditorChoice();
+  void updateButtonVisibility(const FrontApplication& front);
   void toggleMirror();
   void reactivateEditor();
 

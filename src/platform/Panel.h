@@ -54,6 +54,7 @@ class PanelButton {
   virtual void setHidden(bool hidden) = 0;
   virtual bool isHidden() const = 0;
   virtual void setSymbol(const std::string& symbol, ButtonTint tint) = 0;
+  virtual void setToolTip(const std::string& toolTip) = 0;
   [[nodiscard]] virtual Subscription onClick(std::function<void()> handler) = 0;
 };
 
@@ -107,6 +108,7 @@ struct PanelConfig {
   bool joinsAllSpaces = true;  // shown on every virtual desktop
   bool hasShadow = false;
   std::optional<Drawing> face;  // drawn as the whole content, clipped to its shape
+  std::string toolTip;          // shown while the pointer rests on the panel; empty for none
 };
 
 class PanelFactory {

@@ -21,6 +21,14 @@ struct WindowInfo {
   friend bool operator==(const WindowInfo&, const WindowInfo&) = default;
 };
 
+// A display switched on, as windows are placed on it.
+struct ScreenArea {
+  Rect frame;         // global coordinates
+  Rect visibleFrame;  // the part not reserved by the desktop's panels and docks
+  bool isMain = false;
+  friend bool operator==(const ScreenArea&, const ScreenArea&) = default;
+};
+
 // Mouse buttons as pressedMouseButtons() reports them.
 namespace mouse_button {
 inline constexpr std::uint32_t left = 1u << 0;
@@ -35,6 +43,9 @@ class WindowServer {
   // Windows shown on the current desktop, front to back, desktop and dock elements excluded;
   // nullopt when the list cannot be had.
   virtual std::optional<std::vector<WindowInfo>> onScreenWindows() const = 0;
+
+  // The displays switched on, the main one first; empty when they cannot be had.
+  virtual std::vector<ScreenArea> screens() const = 0;
 
   // The pointer, in global coordinates.
   virtual Point pointerLocation() const = 0;

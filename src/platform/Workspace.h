@@ -19,6 +19,15 @@ struct RunningApplication {
   friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
 
+// An application installed for the user, as its launcher entry describes it.
+struct InstalledApplication {
+  std::string name;        // as shown to the user, the same name a running copy reports
+  std::string identifier;  // stable application identifier
+  std::string iconName;    // an icon-theme name or an absolute file; empty when it has none
+  std::vector<std::string> categories;  // e.g. "Graphics", "Photography"
+  friend bool operator==(const InstalledApplication&, const InstalledApplication&) = default;
+};
+
 // The desktop's applications as the user sees them.
 class Workspace {
  public:
@@ -29,6 +38,9 @@ class Workspace {
 
   // Applications that own managed windows, in the desktop's own (stable) order.
   virtual std::vector<RunningApplication> runningApplications() const = 0;
+
+  // The applications the user can start from the desktop's menus, in no particular order.
+  virtual std::vector<InstalledApplication> installedApplications() const = 0;
 
   // Makes `app` the active application; does nothing if it has no window to activate.
   virtual void activate(const RunningApplication& app) = 0;

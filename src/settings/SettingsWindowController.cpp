@@ -1,7 +1,5 @@
 #include "settings/SettingsWindowController.h"
 
-#include "window/CaptureOneFocus.h"
-
 namespace orlet {
 
 void SettingsWindowController::showSettings() {
@@ -18,11 +16,10 @@ void SettingsWindowController::showSettings() {
   subscriptions_.clear();
   window_ = std::move(panel);
   subscriptions_.push_back(window_->observeWillClose([this] { windowWillClose(); }));
-  auto& workspace = ports_->workspace;
+  const auto& editor = ports_->editor;
   auto& scheduler = ports_->scheduler;
-  subscriptions_.push_back(window_->observeLeftMouseUp([&scheduler, &workspace] {
-    scheduler.async([&workspace] { CaptureOneFocus::activateIfRunning(workspace); });
-  }));
+  subscriptions_.push_back(window_->observeLeftMouseUp(
+      [&scheduler, &editor] { scheduler.async([&editor] { editor.activateIfRunning(); }); }));
   window_->orderFrontRegardless();
 }
 

@@ -8,8 +8,8 @@
 #include "foundation/Lifetime.h"
 #include "foundation/Scheduler.h"
 #include "platform/SettingsPanel.h"
-#include "platform/Workspace.h"
 #include "settings/ShortcutRecorderManager.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -21,7 +21,7 @@ class SettingsWindowController {
   struct Ports {
     SettingsPanelFactory& panels;
     Scheduler& scheduler;
-    Workspace& workspace;
+    const CaptureOneFocus& editor;
     ShortcutRecorderManager& recorder;
   };
 

@@ -1,7 +1,6 @@
 #include "views/MouseTeleportManager.h"
 
 #include "views/MirrorGeometry.h"
-#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -116,10 +115,11 @@ void MouseTeleportManager::teleportMouse(Point to, const Rect& from) {
 // Ours when the identifiers match as optional values (both absent counts as equal), as the
 // front-application rule has it; no front application at all is never ours.
 bool MouseTeleportManager::isCaptureOneOrORLETFocused() const {
-  const auto front = ports_.workspace.frontmostApplication();
+  const auto& workspace = ports_.editor.workspace();
+  const auto front = workspace.frontmostApplication();
   if (!front) return false;
-  const bool isOurs = front->bundleIdentifier == ports_.workspace.mainBundleIdentifier();
-  return isOurs || CaptureOneFocus::isCaptureOne(*front);
+  const bool isOurs = front->bundleIdentifier == workspace.mainBundleIdentifier();
+  return isOurs || ports_.editor.isEditor(*front);
 }
 
 }  // namespace orlet

@@ -10,9 +10,9 @@
 #include "platform/DisplayInfo.h"
 #include "platform/SyntheticInput.h"
 #include "platform/WindowServer.h"
-#include "platform/Workspace.h"
 #include "views/DisplayPreviewModel.h"
 #include "views/SamplingTimer.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -26,7 +26,7 @@ class MouseTeleportManager final : public PreviewCompanion {
     Scheduler& scheduler;
     const WindowServer& windowServer;  // the pointer
     SyntheticInput& input;             // the warp
-    const Workspace& workspace;        // the front application
+    const CaptureOneFocus& editor;     // the front application
     const DisplayInfoProvider& displayInfo;
     std::function<bool()> isWindowVisible;     // the mirror is on screen
     std::function<bool()> isWindowBeingMoved;  // the user is dragging the mirror

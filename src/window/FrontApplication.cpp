@@ -1,17 +1,17 @@
 #include "window/FrontApplication.h"
 
-#include "window/CaptureOneFocus.h"
 #include "window/TextCase.h"
 
 namespace orlet {
 
-FrontApplication FrontApplication::read(const Workspace& workspace) {
+FrontApplication FrontApplication::read(const CaptureOneFocus& editor) {
+  const auto& workspace = editor.workspace();
   const auto front = workspace.frontmostApplication();
   FrontApplication result;
   if (front && front->localizedName) result.nameLowercased = lowercased(*front->localizedName);
   const auto frontIdentifier = front ? front->bundleIdentifier : std::nullopt;
   result.isOurs = frontIdentifier == workspace.mainBundleIdentifier();
-  result.isCaptureOne = CaptureOneFocus::isCaptureOneName(result.nameLowercased);
+  result.isEditor = editor.isEditorName(result.nameLowercased);
   return result;
 }
 

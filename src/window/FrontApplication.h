@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/Workspace.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -10,12 +10,12 @@ namespace orlet {
 struct FrontApplication {
   std::string nameLowercased;  // empty when there is no front application or it has no name
   bool isOurs = false;
-  bool isCaptureOne = false;
+  bool isEditor = false;
 
   // Ours when its identifier equals our own, both compared as optional values: two absent
   // identifiers count as equal, so with no front application and no identifier of our own the
   // front counts as ours.
-  static FrontApplication read(const Workspace& workspace);
+  static FrontApplication read(const CaptureOneFocus& editor);
 };
 
 }  // namespace orlet

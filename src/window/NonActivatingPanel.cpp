@@ -1,7 +1,5 @@
 #include "window/NonActivatingPanel.h"
 
-#include "window/CaptureOneFocus.h"
-
 namespace orlet {
 namespace {
 
@@ -12,11 +10,10 @@ bool isPress(MouseEventType type) {
 
 }  // namespace
 
-Subscription handActivationBackOnPress(Panel& panel, Scheduler& scheduler, Workspace& workspace) {
-  return panel.addMouseMonitor([&scheduler, &workspace](const MouseEvent& event) {
-    if (isPress(event.type)) {
-      scheduler.async([&workspace] { CaptureOneFocus::activateIfRunning(workspace); });
-    }
+Subscription handActivationBackOnPress(Panel& panel, Scheduler& scheduler,
+                                       const CaptureOneFocus& editor) {
+  return panel.addMouseMonitor([&scheduler, &editor](const MouseEvent& event) {
+    if (isPress(event.type)) scheduler.async([&editor] { editor.activateIfRunning(); });
     return EventDisposition::pass;
   });
 }

@@ -3,7 +3,7 @@
 #include "foundation/Scheduler.h"
 #include "foundation/Subscription.h"
 #include "platform/Panel.h"
-#include "platform/Workspace.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -11,6 +11,6 @@ namespace orlet {
 // turn of the main queue later, once the press itself has reached the panel's content. The
 // press is never stopped, so clicks, drags and resizes work as usual.
 [[nodiscard]] Subscription handActivationBackOnPress(Panel& panel, Scheduler& scheduler,
-                                                     Workspace& workspace);
+                                                     const CaptureOneFocus& editor);
 
 }  // namespace orlet

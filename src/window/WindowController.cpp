@@ -1,7 +1,9 @@
 #include "window/WindowController.h"
 
 #include "app/SharedInstance.h"
+#include "window/EditorTexts.h"
 #include "window/NonActivatingPanel.h"
+#include "window/ScreenPlacement.h"
 
 namespace orlet {
 namespace {
@@ -20,10 +22,10 @@ PanelButtonConfig backButtonConfig() {
           .hidden = true};
 }
 
-PanelButtonConfig pinButtonConfig(bool pinned) {
+PanelButtonConfig pinButtonConfig(bool pinned, std::string toolTip) {
   return {.symbol = pinned ? "pin.fill" : "pin.slash",
           .accessibilityDescription = {},
-          .toolTip = "Épingler la fenêtre (rester visible quand Capture One est au premier plan)",
+          .toolTip = std::move(toolTip),
           .tint = pinned ? ButtonTint::controlAccent : ButtonTint::secondaryLabel,
           .corner = PanelCorner::topTrailing,
           .size = overlayButtonSize,
@@ -62,12 +64,14 @@ PanelConfig WindowController::windowConfig() const {
           .movableByBackground = true,
           .joinsAllSpaces = true,
           .hasShadow = false,
-          .face = std::nullopt};
+          .face = std::nullopt,
+          .toolTip = {}};
 }
 
 void WindowController::addOverlayButtons(Panel& window) {
   backButton_ = window.addButton(backButtonConfig());
-  pinButton_ = window.addButton(pinButtonConfig(isPinned_));
+  pinToolTip_ = editor_texts::pinToolTip(ports_.editor.editorName());
+  pinButton_ = window.addButton(pinButtonConfig(isPinned_, pinToolTip_));
   auto& notifications = ports_.notifications;
   if (backButton_) {
     subscriptions_.push_back(backButton_->onClick([this] { backButtonClicked(); }));
@@ -80,15 +84,27 @@ void WindowController::addOverlayButtons(Panel& window) {
 }
 
 // Two independent steps: a complete frame first, then the origin alone, so that a saved
-// position without a saved size still places the window at its default size.
+// position without a saved size still places the window at its default size. A position on no
+// display (one unplugged since) is not restored: the window then opens beside the button.
 void WindowController::restoreFrame(Panel& window) const {
   const auto& defaults = ports_.defaults;
-  const auto x = defaults.number(window_defaults::positionX);
-  const auto y = defaults.number(window_defaults::positionY);
+  const bool hasPosition =
+      defaults.number(window_defaults::positionX) && defaults.number(window_defaults::positionY);
   const auto width = defaults.number(window_defaults::width);
   const auto height = defaults.number(window_defaults::height);
-  if (x && y && width && height) window.setFrame({*x, *y, *width, *height});
-  if (x && y) window.setFrameOrigin({*x, *y});
+  if (hasPosition && width && height) {
+    window.setFrame(Rect::from(window.frame().origin(), {*width, *height}));
+  }
+  if (const auto origin = savedOrigin(window.frame().size())) window.setFrameOrigin(*origin);
+}
+
+std::optional<Point> WindowController::savedOrigin(Size size) const {
+  const auto x = ports_.defaults.number(window_defaults::positionX);
+  const auto y = ports_.defaults.number(window_defaults::positionY);
+  if (!x || !y) return std::nullopt;
+  const Point origin{*x, *y};
+  if (!liesOnAScreen(Rect::from(origin, size), ports_.windowServer.screens())) return std::nullopt;
+  return origin;
 }
 
 void WindowController::observeWindow(Panel& window) {
@@ -104,7 +120,7 @@ void WindowController::observeWindow(Panel& window) {
     ports_.defaults.set(window_defaults::width, size.width);
     ports_.defaults.set(window_defaults::height, size.height);
   }));
-  subscriptions_.push_back(handActivationBackOnPress(window, ports_.scheduler, ports_.workspace));
+  subscriptions_.push_back(handActivationBackOnPress(window, ports_.scheduler, ports_.editor));
 }
 
 bool WindowController::toggleWindow(const Panel* anchor) {
@@ -118,7 +134,7 @@ bool WindowController::toggleWindow(const Panel* anchor) {
     return false;
   }
   userWantsWindowVisible_ = true;
-  if (!ports_.defaults.number(window_defaults::positionX) && anchor) placeBeside(*anchor);
+  if (anchor && !savedOrigin(window.frame().size())) placeBeside(*anchor);
   window.orderFrontRegardless();
   ports_.notifications.post(notification::windowDidShow);
   return true;

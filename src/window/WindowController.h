@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,7 +13,7 @@
 #include "foundation/UserDefaults.h"
 #include "platform/Panel.h"
 #include "platform/WindowServer.h"
-#include "platform/Workspace.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 
@@ -31,7 +32,7 @@ class WindowController {
  public:
   struct Ports {
     PanelFactory& panels;
-    Workspace& workspace;
+    const CaptureOneFocus& editor;
     const WindowServer& windowServer;
     Scheduler& scheduler;
     NotificationCenter& notifications;
@@ -87,6 +88,8 @@ class WindowController {
   void updatePinButtonAppearance();
 
   void handleFrontAppChange(std::string_view appNameLowercased, bool isOurAppFront);
+  // Another editor was chosen: the pin button names it, and a pinned mirror is stacked above it.
+  void editorChoiceDidChange();
   bool lastFrontAppWasCaptureOne() const { return lastFrontAppWasCaptureOne_; }
   // Recorded when the editor loses the front; nothing reads it yet.
   bool wasVisibleBeforeLeavingCaptureOne() const { return wasVisibleBeforeLeavingCaptureOne_; }
@@ -109,6 +112,8 @@ class WindowController {
   void followFrontApp(bool isCaptureOne, bool isOurAppFront);
   bool isStillPinnedAndWanted() const;
   void placeAboveCaptureOne(Fallback fallback);
+  void updatePinToolTip();
+  std::optional<Point> savedOrigin(Size size) const;
 
   Ports ports_;
   Color backgroundColor_ = Color::clear();
@@ -121,6 +126,7 @@ class WindowController {
   std::unique_ptr<Panel> secondaryWindow_;
   std::unique_ptr<PanelButton> backButton_;
   std::unique_ptr<PanelButton> pinButton_;
+  std::string pinToolTip_;
   std::vector<Subscription> subscriptions_;  // released before the buttons and the window
   Lifetime lifetime_;
 };

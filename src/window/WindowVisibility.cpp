@@ -1,4 +1,4 @@
-#include "window/CaptureOneFocus.h"
+#include "window/EditorTexts.h"
 #include "window/FrontApplication.h"
 #include "window/WindowController.h"
 
@@ -30,15 +30,15 @@ void WindowController::applyPinState() {
   if (!secondaryWindow_) return;
   auto& window = *secondaryWindow_;
   window.setLevel(levelFor(isPinned_));
-  const auto front = FrontApplication::read(ports_.workspace);
+  const auto front = FrontApplication::read(ports_.editor);
   if (!userWantsWindowVisible_ || (!front.isOurs && !isPinned_)) {
     window.orderOut();
     return;
   }
   if (front.isOurs) return;
   // Over the editor while it is in front; among normal windows while another application is.
-  window.setLevel(front.isCaptureOne ? PanelLevel::floating : PanelLevel::normal);
-  placeAboveCaptureOne(front.isCaptureOne ? Fallback::front : Fallback::back);
+  window.setLevel(front.isEditor ? PanelLevel::floating : PanelLevel::normal);
+  placeAboveCaptureOne(front.isEditor ? Fallback::front : Fallback::back);
 }
 
 void WindowController::updatePinButtonAppearance() {
@@ -54,12 +54,28 @@ void WindowController::handleFrontAppChange(std::string_view appNameLowercased,
                                             bool isOurAppFront) {
   ensureWindow();
   if (!secondaryWindow_) return;
-  const bool isCaptureOne = CaptureOneFocus::isCaptureOneName(appNameLowercased);
+  updatePinToolTip();
+  const bool isCaptureOne = ports_.editor.isEditorName(appNameLowercased);
   if (lastFrontAppWasCaptureOne_ && !isCaptureOne) {
     wasVisibleBeforeLeavingCaptureOne_ = secondaryWindow_->isVisible();
   }
   followFrontApp(isCaptureOne, isOurAppFront);
   lastFrontAppWasCaptureOne_ = isCaptureOne;
+}
+
+void WindowController::editorChoiceDidChange() {
+  updatePinToolTip();
+  if (isPinned_) applyPinState();
+}
+
+// Read again on every change of the front application: in the automatic mode the editor named
+// is the one running, which may have started or quit since.
+void WindowController::updatePinToolTip() {
+  if (!pinButton_) return;
+  auto text = editor_texts::pinToolTip(ports_.editor.editorName());
+  if (text == pinToolTip_) return;
+  pinToolTip_ = std::move(text);
+  pinButton_->setToolTip(pinToolTip_);
 }
 
 void WindowController::followFrontApp(bool isCaptureOne, bool isOurAppFront) {
@@ -101,12 +117,12 @@ void WindowController::placeAboveCaptureOne(Fallback fallback) {
 }
 
 bool WindowController::isCaptureOneFront() const {
-  const auto front = ports_.workspace.frontmostApplication();
-  return front && CaptureOneFocus::isCaptureOne(*front);
+  const auto front = ports_.editor.workspace().frontmostApplication();
+  return front && ports_.editor.isEditor(*front);
 }
 
 std::optional<WindowNumber> WindowController::getTopCaptureOneWindowNumber() const {
-  const auto editor = CaptureOneFocus::firstRunning(ports_.workspace);
+  const auto editor = ports_.editor.firstRunning();
   // An unknown process would match every window whose owner is unknown too.
   if (!editor || editor->processIdentifier == 0) return std::nullopt;
   const auto windows = ports_.windowServer.onScreenWindows();

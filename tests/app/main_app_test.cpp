@@ -91,6 +91,72 @@ TEST_F(MainAppTest, TheButtonReturnsWhereItWasLeftOnlyWhenBothCoordinatesAreNumb
   EXPECT_EQ(button().frame().origin(), (Point{300, 500}));
 }
 
+// The client's display may stand left of or above the main one: the button first appears in the
+// main display's free corner, stays where the operator left it on any display, and comes back to
+// that corner from a display since unplugged; so does a mirror, beside it.
+TEST_F(MainAppTest, OurWindowsFirstAppearOnTheMainDisplayAndComeBackFromAnUnpluggedOne) {
+  platform.windowServer.screenAreas = {
+      {{0, 1080, 1920, 1080}, {0, 1108, 1920, 1052}, true},  // below, a panel along its top
+      {{0, 0, 2560, 1440}, {0, 0, 2560, 1440}, false},
+  };
+  const std::pair<std::optional<Point>, Point> cases[] = {
+      {std::nullopt, {0, 1108}},
+      {Point{100, 100}, {100, 100}},  // on the client's display, where the operator put it
+      {Point{5000, 100}, {0, 1108}},  // on a display unplugged since
+  };
+  for (const auto& [saved, expected] : cases) {
+    platform.store.removeValue("buttonWindowX");
+    if (saved) {
+      platform.store.setValue("buttonWindowX", saved->x);
+      platform.store.setValue("buttonWindowY", saved->y);
+    }
+    start();
+    EXPECT_EQ(button().frame().origin(), expected);
+  }
+  platform.store.setValue("secondaryWindowPositionX", 5000.0);
+  platform.store.setValue("secondaryWindowPositionY", 100.0);
+  SharedInstance<WindowController>::reset();
+  platform.installSharedWindowController();
+  frontBecomes(editor);
+  button().send(MouseEventType::leftDown, {20, 20});
+  button().send(MouseEventType::leftUp, {20, 20});
+  ASSERT_TRUE(mirror()->isVisible());
+  EXPECT_EQ(mirror()->frame().origin(), (Point{40, 1108}));
+}
+
+// The editor is whichever of the known ones is installed or running, or the one chosen, which
+// takes effect at once; with none known the button stays whatever is in front, or nothing would
+// open the mirror once the first other application came forward.
+TEST(EditorFollowing, TheButtonFollowsTheEditorTheOperatorUses) {
+  FakePlatform platform;
+  platform.installSharedWindowController();
+  const auto gimp = platform.launch("GIMP", 200);
+  const auto firefox = platform.launch("Firefox", 300);
+  MainApp app(platform.mainAppPorts());
+  app.start();
+  auto& button = *platform.panels.panel(PanelContent::floatingButton);
+  auto frontIs = [&](const RunningApplication& front) {
+    platform.workspace.bringToFront(front);
+    platform.scheduler.runUntilIdle();
+    return button.isVisible();
+  };
+  EXPECT_TRUE(frontIs(firefox));  // no editor known
+
+  platform.workspace.installed.push_back(
+      {"Darktable", "org.darktable.darktable", "darktable", {"Graphics", "Photography"}});
+  EXPECT_FALSE(frontIs(gimp));
+  const auto darktable = platform.launch("Darktable", 400);
+  EXPECT_TRUE(frontIs(darktable));
+
+  platform.editorChoice.choose("GIMP");
+  EXPECT_FALSE(button.isVisible());  // at once, with darktable still in front
+  EXPECT_EQ(platform.defaults.string("editorName"), "GIMP");
+  EXPECT_TRUE(frontIs(gimp));
+  EXPECT_FALSE(frontIs(firefox));
+  platform.editorChoice.choose("");
+  EXPECT_TRUE(frontIs(darktable));
+}
+
 // The front application is read one turn after the change, once the activation has settled.
 // This program counts as in front when the identifiers match, two absent ones included, and
 // never keeps the front: the editor gets it back and the button stays.

@@ -19,7 +19,7 @@ class SettingsWindowControllerTest : public ::testing::Test {
   HotkeyManager hotkey{
       {keyboard, platform.defaults, platform.scheduler, platform.notifications, out}};
   ShortcutRecorderManager recorder{{keyboard, platform.defaults, platform.scheduler, hotkey}};
-  SettingsWindowController controller{{panels, platform.scheduler, platform.workspace, recorder}};
+  SettingsWindowController controller{{panels, platform.scheduler, platform.editor, recorder}};
 };
 
 TEST_F(SettingsWindowControllerTest, OnePanelWhileVisibleANewOneOnTheSavedShortcutOnceClosed) {

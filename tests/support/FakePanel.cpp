@@ -15,6 +15,7 @@ class ButtonHandle final : public PanelButton {
     button_->symbol = symbol;
     button_->tint = tint;
   }
+  void setToolTip(const std::string& toolTip) override { button_->toolTip = toolTip; }
   Subscription onClick(std::function<void()> handler) override {
     return button_->clicks.add(std::move(handler));
   }

@@ -22,6 +22,7 @@ class FakePanelButton {
   bool hidden = config.hidden;
   std::string symbol = config.symbol;
   ButtonTint tint = config.tint;
+  std::string toolTip = config.toolTip;
   HandlerList<> clicks;
 };
 

@@ -21,12 +21,11 @@ FakePlatform::~FakePlatform() {
 }
 
 WindowController::Ports FakePlatform::windowControllerPorts() {
-  return {panels, workspace, windowServer, scheduler, notifications, defaults};
+  return {panels, editor, windowServer, scheduler, notifications, defaults};
 }
 
 MainApp::Ports FakePlatform::mainAppPorts() {
-  return {panels,       statusBar, application,   workspace,
-          windowServer, scheduler, notifications, defaults};
+  return {panels, statusBar, application, editor, windowServer, scheduler, notifications, defaults};
 }
 
 void FakePlatform::installSharedWindowController() {

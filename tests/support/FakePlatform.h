@@ -9,10 +9,12 @@
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 #include "platform/StatusBar.h"
+#include "settings/EditorChoice.h"
 #include "support/FakePanel.h"
 #include "support/FakeWindowServer.h"
 #include "support/GeometryPrinters.h"
 #include "support/VirtualScheduler.h"
+#include "window/CaptureOneFocus.h"
 #include "window/WindowController.h"
 
 namespace orlet::test {
@@ -69,6 +71,8 @@ class FakePlatform {
   UserDefaults defaults{store};
   FakeWindowServer windowServer;
   FakeWorkspace workspace{windowServer};
+  EditorChoice editorChoice{defaults};
+  CaptureOneFocus editor{workspace, editorChoice};
   FakePanelFactory panels{windowServer, ourPid};
   FakeStatusBar statusBar;
   FakeApplication application;

@@ -17,6 +17,7 @@ namespace orlet::test {
 class FakeWindowServer final : public WindowServer {
  public:
   std::optional<std::vector<WindowInfo>> onScreenWindows() const override;
+  std::vector<ScreenArea> screens() const override { return screenAreas; }
   Point pointerLocation() const override {
     ++pointerQueries;
     return lateReading.value_or(pointer_);
@@ -33,6 +34,8 @@ class FakeWindowServer final : public WindowServer {
     if (reportsInput) inputObservers_.call();
   }
   bool reportsInput = true;
+  // The displays, main first; none unless a test sets them.
+  std::vector<ScreenArea> screenAreas;
   mutable int pointerQueries = 0;  // how often the pointer was sampled
   // What samples read instead of where the pointer is: input still on its way to the reader.
   std::optional<Point> lateReading;
@@ -101,6 +104,7 @@ class FakeWorkspace final : public Workspace {
 
   std::optional<RunningApplication> frontmostApplication() const override { return front_; }
   std::vector<RunningApplication> runningApplications() const override { return running_; }
+  std::vector<InstalledApplication> installedApplications() const override { return installed; }
   // Brings a running application to the front; anything else is ignored.
   void activate(const RunningApplication& app) override;
   std::optional<std::string> mainBundleIdentifier() const override { return ourIdentifier_; }
@@ -117,6 +121,8 @@ class FakeWorkspace final : public Workspace {
   void bringToFront(const RunningApplication& app);
   // No application is active any more (the last active window closed).
   void clearFront();
+
+  std::vector<InstalledApplication> installed;
 
  private:
   FakeWindowServer& server_;

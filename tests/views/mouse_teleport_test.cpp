@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "foundation/DefaultsStore.h"
+#include "settings/EditorChoice.h"
 #include "support/FakeInput.h"
 #include "support/GeometryPrinters.h"
 #include "support/VirtualScheduler.h"
@@ -39,13 +41,17 @@ class MouseTeleportTest : public ::testing::Test {
 
   const Rect kMirror{100, 100, 400, 225};
   test::VirtualScheduler scheduler;
+  MemoryDefaultsStore store;
   test::FakeWindowServer server;
   test::FakeWorkspace workspace{server};
+  UserDefaults defaults{store};
+  EditorChoice choice{defaults};
+  CaptureOneFocus editor{workspace, choice};
   test::FakeDisplayInfoProvider info;
   test::FakeSyntheticInput input{server, scheduler};
   bool visible = true, moved = false;
-  MouseTeleportManager manager{{scheduler, server, input, workspace, info,
-                                [this] { return visible; }, [this] { return moved; }}};
+  MouseTeleportManager manager{{scheduler, server, input, editor, info, [this] { return visible; },
+                                [this] { return moved; }}};
 };
 
 // Into the display at the matching spot; during the cooldown nothing happens, not even the

@@ -9,16 +9,41 @@ namespace {
 
 using test::FakePlatform;
 
+// Automatic: Capture One by a part of its name, the Linux editors by theirs, a short name only
+// as the first word. Chosen: that one application alone, by its whole name.
 TEST(EditorRecognition, RecognisesTheEditorByItsNameInAnyCase) {
-  const std::pair<RunningApplication, bool> cases[] = {
-      {{"Capture One 23", std::nullopt, 1}, true},
-      {{"CAPTURE ONE PRO", std::nullopt, 1}, true},
-      {{"ÉDITEUR Capture One", std::nullopt, 1}, true},
-      {{"CaptureOne", std::nullopt, 1}, false},
-      {{std::nullopt, "capture one", 1}, false},  // identifiers are never consulted
+  struct Case {
+    std::optional<std::string> name;
+    bool automatic, chosenEog;
   };
-  for (const auto& [app, editor] : cases) {
-    EXPECT_EQ(CaptureOneFocus::isCaptureOne(app), editor) << app.localizedName.value_or("-");
+  const Case cases[] = {
+      {"Capture One 23", true, false},
+      {"CAPTURE ONE PRO", true, false},
+      {"ÉDITEUR Capture One", true, false},
+      {"CaptureOne", false, false},
+      {"Darktable", true, false},
+      {"darktable 4.8", true, false},
+      {"RawTherapee", true, false},
+      {"ART", true, false},
+      {"ART 1.21", true, false},
+      {"Pixel Art", false, false},
+      {"Smart Notes", false, false},
+      {"Ansel", true, false},
+      {"digiKam", true, false},
+      {"Entangle", true, false},
+      {"GIMP", false, false},
+      {"Eye of GNOME", false, true},
+      {"eye of gnome", false, true},
+      {"Eye of GNOME 2", false, false},
+      {std::nullopt, false, false},
+  };
+  FakePlatform platform;
+  for (const auto& c : cases) {
+    const RunningApplication app{c.name, "capture one", 1};  // identifiers are never consulted
+    platform.editorChoice.choose("");
+    EXPECT_EQ(platform.editor.isEditor(app), c.automatic) << c.name.value_or("-");
+    platform.editorChoice.choose("Eye of GNOME");
+    EXPECT_EQ(platform.editor.isEditor(app), c.chosenEog) << c.name.value_or("-");
   }
   EXPECT_EQ(lowercased("ÉCOLE À PARIS × 東京"), "école à paris × 東京");
   EXPECT_EQ(lowercased("\xC3"), "\xC3");  // a truncated sequence is kept as it is
@@ -61,8 +86,32 @@ TEST(EditorRecognition, OfTwoEditorsTheFirstRunningOneIsUsed) {
   platform.launch("Capture One 23", 300);  // its window is in front
   EXPECT_EQ(WindowController(platform.windowControllerPorts()).getTopCaptureOneWindowNumber(),
             firstWindow);
-  CaptureOneFocus::activateIfRunning(platform.workspace);
+  platform.editor.activateIfRunning();
   EXPECT_EQ(platform.workspace.frontmostApplication(), first);
+}
+
+// The pin button's tool tip reads as it always has beside Capture One and names any other
+// editor, following a new choice at once and a newly started editor at the next change of the
+// front application.
+TEST(EditorRecognition, ThePinButtonNamesTheEditor) {
+  FakePlatform platform;
+  WindowController controller(platform.windowControllerPorts());
+  controller.ensureWindow();
+  const auto& pin = *platform.panels.panel(PanelContent::mirror)->button(PanelCorner::topTrailing);
+  auto toolTip = [](const std::string& name) {
+    return "Épingler la fenêtre (rester visible quand " + name + " est au premier plan)";
+  };
+  EXPECT_EQ(pin.toolTip, toolTip("votre éditeur photo"));
+  platform.workspace.installed.push_back({"Darktable", "org.darktable.darktable", "", {}});
+  controller.handleFrontAppChange("", true);
+  EXPECT_EQ(pin.toolTip, toolTip("Darktable"));
+  platform.launch("Capture One 23", 200);
+  controller.handleFrontAppChange("", true);
+  EXPECT_EQ(pin.toolTip,
+            "Épingler la fenêtre (rester visible quand Capture One est au premier plan)");
+  platform.editorChoice.choose("GIMP");
+  controller.editorChoiceDidChange();
+  EXPECT_EQ(pin.toolTip, toolTip("GIMP"));
 }
 
 }  // namespace

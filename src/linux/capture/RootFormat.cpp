@@ -23,10 +23,12 @@ std::optional<std::string> unreadableRootFormat(const xcb_setup_t& setup,
   const std::uint8_t depth = screen.root_depth;
   if (setup.image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST ||
       (depth != 24 && depth != 32 && depth != 30)) {
-    return "unsupported root window format (depth " + std::to_string(depth) + ")";
+    return "format de la fenêtre racine non pris en charge (profondeur " + std::to_string(depth) +
+           ")";
   }
   if (depth == 30 && !isTenBitRgb(screen)) {
-    return "unsupported 30-bit root window layout (not x2r10g10b10)";
+    return "disposition 30 bits de la fenêtre racine non prise en charge (autre que "
+           "x2r10g10b10)";
   }
   for (auto it = xcb_setup_pixmap_formats_iterator(&setup); it.rem > 0; xcb_format_next(&it)) {
     if (it.data->depth == depth) {

@@ -35,7 +35,8 @@ void X11CaptureService::shareableContent(
       if (auto why = unreadableRootFormat(*xcb_get_setup(connection->get()), screen)) {
         content = ShareableContent{{}, screen.root_depth};
         if (!said->exchange(true)) {
-          std::fprintf(stderr, "orlet: the displays cannot be shown: %s\n", why->c_str());
+          std::fprintf(stderr, "orlet: les écrans ne peuvent pas être montrés : %s\n",
+                       why->c_str());
         }
       } else if (auto displays = queryDisplays(*connection, initRandr(*connection), error)) {
         content = ShareableContent{std::move(*displays)};

@@ -40,6 +40,7 @@ void PanelWidget::configureWindow() {
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_X11DoNotAcceptFocus);
   setAttribute(Qt::WA_AlwaysShowToolTips);  // the panel is never the active window
+  if (!config_.toolTip.empty()) setToolTip(QString::fromStdString(config_.toolTip));
   setFocusPolicy(Qt::NoFocus);
   const QSize size = toQSize(config_.contentSize);
   if (config_.resizable) {

@@ -81,4 +81,9 @@ void QtPanelButton::place() {
   button_->move(x, margin);
 }
 
+void QtPanelButton::setToolTip(const std::string& toolTip) {
+  config_.toolTip = toolTip;
+  if (button_) button_->setToolTip(QString::fromStdString(toolTip));
+}
+
 }  // namespace orlet::linux_qt

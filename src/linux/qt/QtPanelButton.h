@@ -21,6 +21,7 @@ class QtPanelButton final : public QObject, public PanelButton {
   void setHidden(bool hidden) override;
   bool isHidden() const override;
   void setSymbol(const std::string& symbol, ButtonTint tint) override;
+  void setToolTip(const std::string& toolTip) override;
   Subscription onClick(std::function<void()> handler) override;
 
   QToolButton* button() const { return button_; }

@@ -17,31 +17,47 @@ namespace orlet::linux_qt {
 namespace {
 
 constexpr int panelWidth = 320;
-// The shortcut's rows keep their places; the start-up option adds its row and a spacing below.
+constexpr int spacing = 12;
+// The shortcut's rows keep their places; the start-up option and the editor add their rows, each
+// with a spacing, below them.
 constexpr int autostartRowHeight = 20;
-constexpr int panelHeight = 140 + 12 + autostartRowHeight;
+constexpr int shortcutPanelHeight = 140 + spacing + autostartRowHeight;
+constexpr int recorderWidth = 130;
+constexpr int recorderHeight = 26;
+// What the button's bevel and margins leave of its width, in the styles Qt brings.
+constexpr int recorderPadding = 8;
+constexpr int recorderPixelSize = 12;
+constexpr int smallestRecorderPixelSize = 8;
 
-QFont recorderFont() {
+// Monospaced, 12 pixels (a point of the panel's design is a logical pixel), smaller for a text
+// that would not fit the button otherwise ("Cliquer pour définir" does not at 12).
+QFont recorderFont(const QString& text) {
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  font.setPointSize(12);
   font.setWeight(QFont::Medium);
+  for (int size = recorderPixelSize; size >= smallestRecorderPixelSize; --size) {
+    font.setPixelSize(size);
+    if (QFontMetrics(font).horizontalAdvance(text) <= recorderWidth - 2 * recorderPadding) break;
+  }
   return font;
 }
 
 }  // namespace
 
-QtSettingsPanel::QtSettingsPanel(const x11::XConnection& x, ShortcutRecorderManager& recorder,
-                                 XdgAutostart& autostart, std::function<void()> onClose)
+QtSettingsPanel::QtSettingsPanel(const x11::XConnection& x, const SettingsParts& parts,
+                                 std::function<void()> onClose)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                            Qt::WindowCloseButtonHint | Qt::WindowDoesNotAcceptFocus),
-      recorder_(recorder),
-      autostart_(autostart),
+      recorder_(parts.recorder),
+      autostart_(parts.autostart),
       onClose_(std::move(onClose)) {
   setWindowTitle(QStringLiteral("Paramètres"));
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_X11DoNotAcceptFocus);
-  setFixedSize(panelWidth, panelHeight);
   build();
+  editorRow_ = new EditorRow(parts.editor, parts.editorChoice, this);
+  layout()->addWidget(editorRow_);
+  editorRow_->onHeightChange([this] { fitHeight(); });
+  fitHeight();
   observeRecorder();
   refresh();
   winId();  // the X window now, so that its hints are set before it is mapped
@@ -54,13 +70,12 @@ QtSettingsPanel::QtSettingsPanel(const x11::XConnection& x, ShortcutRecorderMana
 void QtSettingsPanel::build() {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(20, 20, 20, 20);
-  column->setSpacing(12);
+  column->setSpacing(spacing);
   auto* row = new QHBoxLayout;
   row->addWidget(new QLabel(QStringLiteral("Raccourci clavier")));
   row->addStretch();
   recorderButton_ = new QPushButton;
-  recorderButton_->setFont(recorderFont());
-  recorderButton_->setFixedSize(130, 26);
+  recorderButton_->setFixedSize(recorderWidth, recorderHeight);
   recorderButton_->setFocusPolicy(Qt::NoFocus);  // Space and Return are keys to record
   connect(recorderButton_, &QPushButton::clicked, this, [this] {
     if (*recorder_.isRecording) {
@@ -72,6 +87,7 @@ void QtSettingsPanel::build() {
   row->addWidget(recorderButton_);
   column->addLayout(row);
   error_ = new QLabel;
+  error_->setWordWrap(true);
   error_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   error_->setStyleSheet(QStringLiteral("color: red; font-size: 10px;"));
   column->addWidget(error_);
@@ -122,11 +138,17 @@ void QtSettingsPanel::observeRecorder() {
 
 void QtSettingsPanel::refresh() {
   const bool recording = *recorder_.isRecording;
-  recorderButton_->setText(recording ? QStringLiteral("Appuyez...")
-                                     : QString::fromStdString(recorder_.displayText()));
+  const auto text =
+      recording ? QStringLiteral("Appuyez...") : QString::fromStdString(recorder_.displayText());
+  recorderButton_->setFont(recorderFont(text));
+  recorderButton_->setText(text);
   error_->setText(QString::fromStdString(*recorder_.errorMessage));
   error_->setVisible(!recorder_.errorMessage->empty());
   validate_->setEnabled(!recording);
+}
+
+void QtSettingsPanel::fitHeight() {
+  setFixedSize(panelWidth, shortcutPanelHeight + spacing + editorRow_->rowHeight());
 }
 
 void QtSettingsPanel::centre() {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "foundation/HandlerList.h"
+#include "linux/qt/EditorRow.h"
 #include "linux/qt/XdgAutostart.h"
 #include "linux/x11/X11PanelWindow.h"
 #include "platform/SettingsPanel.h"
@@ -15,13 +16,21 @@ class QPushButton;
 
 namespace orlet::linux_qt {
 
+// What the settings panel shows and changes.
+struct SettingsParts {
+  ShortcutRecorderManager& recorder;
+  XdgAutostart& autostart;
+  const CaptureOneFocus& editor;
+  EditorChoice& editorChoice;
+};
+
 // "Paramètres" as a titled Qt window that never takes the focus: the recorder button, the
 // refusal line and "Valider", following the recorder's published state; below them, whether
-// ORLET starts with the session.
+// ORLET starts with the session, and the editor.
 class QtSettingsPanel final : public QWidget, public SettingsPanel {
  public:
-  QtSettingsPanel(const x11::XConnection& x, ShortcutRecorderManager& recorder,
-                  XdgAutostart& autostart, std::function<void()> onClose);
+  QtSettingsPanel(const x11::XConnection& x, const SettingsParts& parts,
+                  std::function<void()> onClose);
 
   void orderFrontRegardless() override;
   bool isVisible() const override { return QWidget::isVisible(); }
@@ -43,9 +52,11 @@ class QtSettingsPanel final : public QWidget, public SettingsPanel {
   void observeRecorder();
   void refresh();
   void centre();
+  void fitHeight();
 
   ShortcutRecorderManager& recorder_;
   XdgAutostart& autostart_;
+  EditorRow* editorRow_ = nullptr;
   std::function<void()> onClose_;
   std::optional<x11::X11PanelWindow> x11_;
   QPushButton* recorderButton_ = nullptr;
@@ -60,15 +71,24 @@ class QtSettingsPanelFactory final : public SettingsPanelFactory {
  public:
   QtSettingsPanelFactory(const x11::XConnection& x,
                          std::function<ShortcutRecorderManager&()> recorder,
+                         const CaptureOneFocus& editor, EditorChoice& editorChoice,
                          XdgAutostart autostart = XdgAutostart::forThisProcess())
-      : x_(x), recorder_(std::move(recorder)), autostart_(std::move(autostart)) {}
+      : x_(x),
+        recorder_(std::move(recorder)),
+        editor_(editor),
+        editorChoice_(editorChoice),
+        autostart_(std::move(autostart)) {}
   std::unique_ptr<SettingsPanel> createSettingsPanel(std::function<void()> onClose) override {
-    return std::make_unique<QtSettingsPanel>(x_, recorder_(), autostart_, std::move(onClose));
+    return std::make_unique<QtSettingsPanel>(
+        x_, SettingsParts{recorder_(), autostart_, editor_, editorChoice_}, std::move(onClose));
   }
+  XdgAutostart& autostart() { return autostart_; }
 
  private:
   const x11::XConnection& x_;
   std::function<ShortcutRecorderManager&()> recorder_;
+  const CaptureOneFocus& editor_;
+  EditorChoice& editorChoice_;
   XdgAutostart autostart_;
 };
 

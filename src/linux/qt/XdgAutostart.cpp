@@ -11,6 +11,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// A desktop entry string value: backslashes doubled, line breaks escaped.
+std::string escaped(const std::string& value) {
+  std::string out;
+  for (char c : value) {
+    if (c == '\\')
+      out += "\\\\";
+    else if (c == '\n')
+      out += "\\n";
+    else
+      out += c;
+  }
+  return out;
+}
+
 // Desktop entry Exec quoting: the path in double quotes, with ", `, $ and \ escaped.
 std::string quoted(const std::string& path) {
   std::string out = "\"";
@@ -49,7 +63,13 @@ bool XdgAutostart::setEnabled(bool enabled) {
   out << "[Desktop Entry]\n"
          "Type=Application\n"
          "Name=ORLET\n"
-         "Comment=Miniature vivante et cliquable d'un écran, à côté de Capture One\n"
+         "Comment="
+      << escaped(comment_)
+      << "\n"
+         // Once ORLET is uninstalled, the session no longer tries to start it.
+         "TryExec="
+      << escaped(command_.string())
+      << "\n"
          "Exec="
       << quoted(command_.string())
       << "\n"
@@ -58,6 +78,12 @@ bool XdgAutostart::setEnabled(bool enabled) {
          "X-GNOME-Autostart-enabled=true\n";
   out.close();
   return static_cast<bool>(out);
+}
+
+void XdgAutostart::setComment(std::string comment) {
+  if (comment == comment_) return;
+  comment_ = std::move(comment);
+  if (isEnabled()) setEnabled(true);
 }
 
 }  // namespace orlet::linux_qt

@@ -22,12 +22,15 @@ class XdgAutostart {
   bool isEnabled() const;
   // Writes or removes the entry; false when the file system refused.
   bool setEnabled(bool enabled);
+  // What the entry says ORLET is; an entry already written is written again with it.
+  void setComment(std::string comment);
 
   const std::filesystem::path& entry() const { return entry_; }
 
  private:
   std::filesystem::path entry_;
   std::filesystem::path command_;
+  std::string comment_ = "Miniature vivante et cliquable d'un écran, à côté de votre éditeur photo";
 };
 
 }  // namespace orlet::linux_qt

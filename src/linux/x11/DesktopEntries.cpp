@@ -68,6 +68,18 @@ std::vector<std::string> localisedKeys(const std::string& key, std::string local
   return keys;
 }
 
+// A list value: "Graphics;Photography;".
+std::vector<std::string> splitList(const std::string& value) {
+  std::vector<std::string> items;
+  std::size_t start = 0;
+  while (start < value.size()) {
+    const auto end = std::min(value.find(';', start), value.size());
+    if (end > start) items.push_back(value.substr(start, end - start));
+    start = end + 1;
+  }
+  return items;
+}
+
 std::map<std::string, std::string> readMainGroup(std::istream& in) {
   std::map<std::string, std::string> values;
   std::string line;
@@ -126,7 +138,12 @@ std::optional<DesktopEntry> DesktopEntries::parse(std::istream& in, const std::s
     return it == values.end() ? std::string() : it->second;
   };
   if (get("Type") != "Application" || get("Hidden") == "true") return std::nullopt;
-  DesktopEntry entry{id, get("Name"), get("StartupWMClass")};
+  DesktopEntry entry{id,
+                     get("Name"),
+                     get("StartupWMClass"),
+                     get("Icon"),
+                     splitList(get("Categories")),
+                     get("NoDisplay") != "true"};
   for (const auto& key : localisedKeys("Name", locale)) {
     if (auto translated = get(key); !translated.empty()) {
       entry.name = translated;
@@ -137,9 +154,14 @@ std::optional<DesktopEntry> DesktopEntries::parse(std::istream& in, const std::s
   return entry;
 }
 
+const std::vector<DesktopEntry>& DesktopEntries::all() {
+  if (!indexed_ || directoryTimes() != indexedTimes_) rebuild();
+  return entries_;
+}
+
 std::optional<DesktopEntry> DesktopEntries::find(const std::string& instance,
                                                  const std::string& className) {
-  if (!indexed_ || directoryTimes() != indexedTimes_) rebuild();
+  all();
   for (const auto& e : entries_) {
     if (!e.startupWmClass.empty() &&
         (e.startupWmClass == className || e.startupWmClass == instance)) {
@@ -179,6 +201,14 @@ void DesktopEntries::rebuild() {
       if (auto entry = parse(in, id, locale_)) entries_.push_back(std::move(*entry));
     }
   }
+}
+
+std::vector<InstalledApplication> installedFrom(DesktopEntries& entries) {
+  std::vector<InstalledApplication> apps;
+  for (const auto& entry : entries.all()) {
+    if (entry.shownInMenus) apps.push_back({entry.name, entry.id, entry.icon, entry.categories});
+  }
+  return apps;
 }
 
 }  // namespace orlet::x11

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Workspace.h"
+
 namespace orlet::x11 {
 
 // An installed application as its desktop entry (the freedesktop desktop-entry format)
@@ -14,6 +16,9 @@ struct DesktopEntry {
   std::string id;    // desktop file id, e.g. "org.gnome.Nautilus" (without ".desktop")
   std::string name;  // Name, localised for the user's locale when the entry has a translation
   std::string startupWmClass;
+  std::string icon;
+  std::vector<std::string> categories;
+  bool shownInMenus = true;  // NoDisplay entries name windows but are not offered to start
 };
 
 // Finds the desktop entry of a window's application from its WM_CLASS. The index is read on
@@ -32,6 +37,9 @@ class DesktopEntries {
   // the last dot-separated part of it, equals one of them ignoring case.
   std::optional<DesktopEntry> find(const std::string& instance, const std::string& className);
 
+  // Every entry, in no particular order.
+  const std::vector<DesktopEntry>& all();
+
   // Parses one entry; nullopt when it is not a visible application.
   static std::optional<DesktopEntry> parse(std::istream& in, const std::string& id,
                                            const std::string& locale);
@@ -46,5 +54,8 @@ class DesktopEntries {
   std::vector<std::filesystem::file_time_type> indexedTimes_;
   bool indexed_ = false;
 };
+
+// The entries shown in the menus, as the workspace reports installed applications.
+std::vector<InstalledApplication> installedFrom(DesktopEntries& entries);
 
 }  // namespace orlet::x11

@@ -20,15 +20,15 @@ DisplayProbe probeDisplay() {
     // An X11 client sees only other X clients' windows under XWayland, and without XWayland
     // nothing at all.
     if (!environment("WAYLAND_DISPLAY").empty()) {
-      return {false, 0, "Wayland session without XWayland; ORLET needs an X11 display"};
+      return {false, 0, "session Wayland sans XWayland ; ORLET a besoin d'un écran X11"};
     }
-    return {false, 0, "DISPLAY is not set"};
+    return {false, 0, "DISPLAY n'est pas défini"};
   }
   int screen = 0;
   xcb_connection_t* connection = xcb_connect(display.c_str(), &screen);
   const int error = xcb_connection_has_error(connection);
   xcb_disconnect(connection);
-  if (error) return {false, 0, "cannot connect to \"" + display + "\""};
+  if (error) return {false, 0, "connexion impossible à « " + display + " »"};
   return {true, screen, {}};
 }
 

@@ -41,8 +41,8 @@ X11CursorSource::X11CursorSource(const XConnection& x, XEventSource& events,
     : x_(x) {
   auto* c = x_.get();
   if (!initialiseXFixes(c)) {
-    diagnostics << "orlet: the X server has no XFIXES extension: the cursor is not drawn on the "
-                   "mirror\n";
+    diagnostics << "orlet: le serveur X n'a pas l'extension XFIXES : le pointeur n'est pas "
+                   "dessiné sur le miroir\n";
     return;
   }
   cursorNotify_ = xcb_get_extension_data(c, &xcb_xfixes_id)->first_event + XCB_XFIXES_CURSOR_NOTIFY;

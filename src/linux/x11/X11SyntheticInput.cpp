@@ -48,8 +48,8 @@ void X11SyntheticInput::leftButtonUp(Point at) {
 void X11SyntheticInput::fakeButton(std::uint8_t type, Point at) {
   if (!hasXTest_) {
     if (!std::exchange(reportedMissing_, true)) {
-      diagnostics_ << "orlet: the X server has no XTEST extension: clicks on the mirror are not "
-                      "replayed on the display\n";
+      diagnostics_ << "orlet: le serveur X n'a pas l'extension XTEST : les clics sur le miroir "
+                      "ne sont pas reproduits sur l'écran\n";
     }
     return;
   }

@@ -6,6 +6,7 @@
 #include <xcb/xinput.h>
 
 #include "linux/x11/ClientWindows.h"
+#include "linux/x11/ScreenAreas.h"
 
 namespace orlet::x11 {
 
@@ -100,6 +101,10 @@ std::uint32_t X11WindowServer::pressedMouseButtons() const {
   if (mask & XCB_BUTTON_MASK_3) buttons |= mouse_button::right;
   if (mask & XCB_BUTTON_MASK_2) buttons |= mouse_button::middle;
   return buttons;
+}
+
+std::vector<ScreenArea> X11WindowServer::screens() const {
+  return readScreenAreas(x_);
 }
 
 }  // namespace orlet::x11

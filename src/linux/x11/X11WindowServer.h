@@ -26,6 +26,7 @@ class X11WindowServer final : public WindowServer {
 
   // _NET_CLIENT_LIST_STACKING reversed; nullopt without a window manager that keeps it.
   std::optional<std::vector<WindowInfo>> onScreenWindows() const override;
+  std::vector<ScreenArea> screens() const override;
   Point pointerLocation() const override;
   std::uint32_t pressedMouseButtons() const override;
   // The same first raw event after a reading is what tells its observers.

@@ -81,6 +81,10 @@ std::vector<RunningApplication> X11Workspace::runningApplications() const {
   return apps;
 }
 
+std::vector<InstalledApplication> X11Workspace::installedApplications() const {
+  return installedFrom(entries_);
+}
+
 // The application's frontmost window, preferring one the user can see now.
 xcb_window_t X11Workspace::topWindowOf(const RunningApplication& app) const {
   auto stacking = clientListStacking(x_);

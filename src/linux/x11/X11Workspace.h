@@ -33,6 +33,7 @@ class X11Workspace final : public Workspace {
 
   std::optional<RunningApplication> frontmostApplication() const override;
   std::vector<RunningApplication> runningApplications() const override;
+  std::vector<InstalledApplication> installedApplications() const override;
   void activate(const RunningApplication& app) override;
   std::optional<std::string> mainBundleIdentifier() const override;
   Subscription observeDidActivateApplication(std::function<void()> handler) override;

@@ -140,7 +140,9 @@ void ReliabilityCase::saysWhyAgainAndAgain() {
     toggleMirror();
     ASSERT_TRUE(eventually([&] { return saysWhyNoDisplay(); }, 6s)) << "cycle " << cycle;
   }
-  const std::string line = "orlet: the displays cannot be shown: unsupported root window format";
+  const std::string line =
+      "orlet: les écrans ne peuvent pas être montrés : format de la fenêtre racine non pris en "
+      "charge";
   const auto output = orlet_->output();
   EXPECT_NE(output.find(line), std::string::npos) << output;
   EXPECT_EQ(output.find(line), output.rfind(line)) << output;

@@ -20,8 +20,8 @@ TEST_F(OrletTest, ASecondInstanceSaysSoAndQuitsLeavingTheFirstAlone) {
   ASSERT_TRUE(status.has_value());
   EXPECT_NE(*status, 0);
   const auto said = second->output();
-  EXPECT_EQ(said, "orlet: ORLET is already running on display " + session_->display() +
-                      " (process " + std::to_string(first) + "); this one quits\n");
+  EXPECT_EQ(said, "orlet: ORLET est déjà lancé sur l'écran " + session_->display() +
+                      " (processus " + std::to_string(first) + ") ; celui-ci se ferme\n");
   EXPECT_TRUE(x_->topLevelsOf(second->pid()).empty());
 
   EXPECT_TRUE(isShown(button()));

@@ -9,10 +9,10 @@ namespace {
 TEST(OrletWithoutDisplay, ExitsWithAMessage) {
   const std::string log = (std::filesystem::temp_directory_path() / "orlet-nodisplay.log").string();
   const std::pair<std::map<std::string, std::string>, std::string> cases[] = {
-      {{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}, "no X display (DISPLAY is not set)"},
+      {{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}, "aucun écran X (DISPLAY n'est pas défini)"},
       {{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", "wayland-0"}},
-       "no X display (Wayland session without XWayland"},
-      {{{"DISPLAY", ":5999"}}, "no X display (cannot connect to \":5999\")"},
+       "aucun écran X (session Wayland sans XWayland"},
+      {{{"DISPLAY", ":5999"}}, "aucun écran X (connexion impossible à « :5999 »)"},
   };
   for (const auto& [environment, message] : cases) {
     std::filesystem::remove(log);

@@ -47,7 +47,7 @@ void makeMirrorInteractive(DisplayPreviewView& mirror, DisplayManager& dm,
   model.addCompanion(std::make_unique<SharedCompanion<CursorTracker>>(tracker));
 
   auto teleport = std::make_unique<MouseTeleportManager>(MouseTeleportManager::Ports{
-      ports.scheduler, ports.windowServer, ports.input, ports.workspace, ports.displayInfo,
+      ports.scheduler, ports.windowServer, ports.input, ports.editor, ports.displayInfo,
       ports.isWindowVisible, ports.isWindowBeingMoved});
   auto probe = std::make_unique<ScreenPositionTracker>(ports.scheduler, ports.windowServer,
                                                        *teleport, ports.displayInfo,

@@ -7,7 +7,7 @@
 #include "platform/DisplayInfo.h"
 #include "platform/SyntheticInput.h"
 #include "platform/WindowServer.h"
-#include "platform/Workspace.h"
+#include "window/CaptureOneFocus.h"
 
 namespace orlet {
 class DisplayManager;
@@ -23,7 +23,7 @@ struct MirrorInteractionPorts {
   const CursorSource& cursor;
   const WindowServer& windowServer;
   SyntheticInput& input;
-  const Workspace& workspace;
+  const CaptureOneFocus& editor;
   const DisplayInfoProvider& displayInfo;
   std::function<bool()> isWindowVisible;
   std::function<bool()> isWindowBeingMoved;
