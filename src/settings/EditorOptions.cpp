@@ -19,12 +19,13 @@ bool contains(const std::vector<EditorOption>& options, const std::string& name)
       options, [&wanted](const EditorOption& o) { return lowercased(o.name) == wanted; });
 }
 
-std::vector<EditorOption> photoApplications(const std::vector<InstalledApplication>& installed) {
+// ORLET's own launcher is among the photo applications too.
+std::vector<EditorOption> photoApplications(const std::vector<InstalledApplication>& installed,
+                                            const std::optional<std::string>& ours) {
   std::vector<EditorOption> options;
   for (const auto& app : installed) {
-    if (isPhotoApplication(app) && !contains(options, app.name)) {
-      options.push_back({app.name, app.iconName});
-    }
+    if (app.identifier == ours || !isPhotoApplication(app) || contains(options, app.name)) continue;
+    options.push_back({app.name, app.iconName});
   }
   std::ranges::sort(options, [](const EditorOption& a, const EditorOption& b) {
     return lowercased(a.name) < lowercased(b.name);
@@ -41,8 +42,8 @@ std::string iconOf(const std::vector<InstalledApplication>& installed, const std
 
 std::vector<EditorOption> editorOptions(const Workspace& workspace, const EditorRule& rule) {
   const auto installed = workspace.installedApplications();
-  auto options = photoApplications(installed);
   const auto ours = workspace.mainBundleIdentifier();
+  auto options = photoApplications(installed, ours);
   for (const auto& app : workspace.runningApplications()) {
     if (!app.localizedName || app.localizedName->empty() || app.bundleIdentifier == ours) continue;
     if (!contains(options, *app.localizedName))

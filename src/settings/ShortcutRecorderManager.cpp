@@ -80,6 +80,7 @@ void ShortcutRecorderManager::stopRecording() {
   if (currentChars->empty()) return;
   writeDefaults();
   ports_.hotkey.registerHotkey();
+  sayWhetherTaken();
 }
 
 void ShortcutRecorderManager::clearShortcut() {
@@ -95,6 +96,7 @@ void ShortcutRecorderManager::saveToDefaults() {
     ports_.hotkey.unregisterHotkey();
   } else {
     ports_.hotkey.registerHotkey();
+    sayWhetherTaken();
   }
 }
 
@@ -102,6 +104,13 @@ void ShortcutRecorderManager::loadFromDefaults() {
   currentChars.set(splitNames(ports_.defaults.string(shortcut_defaults::chars).value_or("")));
   currentModifiers.set(ports_.defaults.integer(shortcut_defaults::modifiers));
   errorMessage.set("");
+  if (!*isRecording) sayWhetherTaken();
+}
+
+// Standard output, where the hotkey says it too, is seen by nobody who started ORLET from the
+// menu: the recorder says it where the shortcut is chosen.
+void ShortcutRecorderManager::sayWhetherTaken() {
+  if (!currentChars->empty() && !ports_.hotkey.isRegistered()) errorMessage.set(takenMessage);
 }
 
 std::string ShortcutRecorderManager::displayText() const {

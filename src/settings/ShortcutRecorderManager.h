@@ -34,6 +34,9 @@ class ShortcutRecorderManager {
     return SharedInstance<ShortcutRecorderManager>::get();
   }
 
+  // Beside the recorder when the saved shortcut could not be taken.
+  static constexpr char takenMessage[] = "Raccourci déjà pris par un autre programme";
+
   void startRecording();
   // Ends a recording; a shown shortcut is saved and the hotkey registered again.
   void stopRecording();
@@ -60,6 +63,7 @@ class ShortcutRecorderManager {
   void handleKeyUp(const KeyEvent& event);
   void onMainQueue(std::function<void()> work);
   void writeDefaults();
+  void sayWhetherTaken();
 
   Ports ports_;
   Subscription monitor_;   // the session's keys, while recording

@@ -17,6 +17,7 @@ TEST(EditorOptions, InstalledPhotoApplicationsThenRunningOnesThenTheChosenOne) {
       {"Text Editor", "org.gnome.TextEditor", "text-editor", {"Utility"}},
       {"darktable", "org.darktable.darktable", "darktable", {"Graphics"}},
       {"Firefox", "firefox", "firefox", {"Network"}},
+      {"ORLET", "orlet", "orlet", {"Graphics", "Photography"}},
   };
   platform.launch("darktable", 200);
   platform.launch("Firefox", 300);

@@ -128,5 +128,18 @@ TEST_F(ShortcutRecorderTest, AStoredShortcutIsReadBackAsItStands) {
   EXPECT_EQ(recorder.displayText(), "Cliquer pour définir");
 }
 
+// A key another program holds is said beside the recorder, when the recording ends and again when
+// the panel opens on that saved shortcut; the standard-output line stays.
+TEST_F(ShortcutRecorderTest, AShortcutAnotherProgramHoldsIsSaidBesideTheRecorder) {
+  keyboard.heldElsewhere = {"F"};
+  record([](auto& k) { k.down("f", ctrl | modifier::option), k.up("f", ctrl | modifier::option); });
+  EXPECT_EQ(*recorder.errorMessage, "Raccourci déjà pris par un autre programme");
+  EXPECT_NE(out.str().find("Impossible de créer l'event tap"), std::string::npos);
+  recorder.loadFromDefaults();
+  EXPECT_EQ(*recorder.errorMessage, "Raccourci déjà pris par un autre programme");
+  record([](auto& k) { k.down("g", ctrl), k.up("g", ctrl); });
+  EXPECT_EQ(*recorder.errorMessage, "");
+}
+
 }  // namespace
 }  // namespace orlet
