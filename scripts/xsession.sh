@@ -5,6 +5,7 @@
 # trayer as a system-tray host.
 #
 #   scripts/xsession.sh start :41 [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]
+#                                 [--layout client-left|main-below-left]
 #                                                   # prints nothing; DISPLAY=:41 is then usable
 #   scripts/xsession.sh tray :41    # starts the tray host on a session started without it
 #   scripts/xsession.sh wm :41 stop|start|replace   # the window manager goes, comes, is replaced
@@ -12,6 +13,8 @@
 #
 # --no-shm starts the server without the MIT-SHM extension; --depth 30 gives a 30-bit root
 # window (10 bits a channel), --depth 16 a 16-bit one (5:6:5), which ORLET cannot capture.
+# --layout moves the main display away from the desktop's origin: right of the 2560x1440 display
+# (client-left), or left of it and lower, with nothing at 0,0 (main-below-left).
 set -euo pipefail
 
 usage="usage: xsession.sh start|tray|wm|stop :N [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]"
@@ -119,10 +122,17 @@ window_manager() {
   esac
 }
 
-# The session's two displays: 1920x1080 primary at 0,0 and 2560x1440 at 1920,0.
+# The session's two displays: 1920x1080 primary (the main display) at 0,0 and 2560x1440 at
+# 1920,0, unless --layout says otherwise.
+layout=main-left
 lay_out() {
-  xrandr --fb 4480x1440 --output DUMMY0 --mode 1920x1080 --pos 0x0 --primary \
-    --output DUMMY1 --mode 2560x1440_60 --pos 1920x0
+  local fb=4480x1440 main=0x0 client=1920x0
+  case $layout in
+    client-left) main=2560x0 client=0x0 ;;
+    main-below-left) fb=4480x2160 main=0x1080 client=1920x0 ;;
+  esac
+  xrandr --fb $fb --output DUMMY0 --mode 1920x1080 --pos $main --primary \
+    --output DUMMY1 --mode 2560x1440_60 --pos $client
 }
 
 start() {
@@ -134,6 +144,7 @@ start() {
       --tray) tray=1 ;;
       --no-shm) extensions+=(-extension MIT-SHM) ;;
       --depth) depth=${2:?--depth needs a number}; shift ;;
+      --layout) layout=${2:?--layout needs a name}; shift ;;
       *) echo "xsession.sh: unknown option $1" >&2; exit 2 ;;
     esac
     shift

@@ -87,6 +87,8 @@ void EditorRow::picked(int index) {
 void EditorRow::updateHint() {
   const bool wasShown = !hint_->isHidden();
   hint_->setVisible(!editor_.isEditorKnown());
+  // Exactly its rows: the panel's spare height stays with the shortcut's rows, where it was.
+  setFixedHeight(rowHeight());
   if (wasShown != !hint_->isHidden() && heightChanged_) heightChanged_();
 }
 

@@ -48,12 +48,14 @@ void OrletTest::SetUp() {
   fs::create_directories(home_ / "run");
   fs::permissions(home_ / "run", fs::perms::owner_all);
   // Names the editor stand-in the way an installed editor is named: by its desktop entry.
+  const auto& stand = editorStandIn_;
   fs::create_directories(home_ / "data" / "applications");
-  std::ofstream(home_ / "data" / "applications" / "com.captureone.CaptureOne.desktop")
-      << "[Desktop Entry]\nType=Application\nName=Capture One 23\nExec=true\n"
-         "StartupWMClass=CaptureOne\n";
-  std::vector<std::string> editor{"--class",   "CaptureOne",     "--instance", "captureone",
-                                  "--title",   "Capture One 23", "--geometry", "800x600+300+200",
+  if (!stand.entry.empty()) {
+    fs::copy_file(fs::path(ORLET_STANDIN_ENTRIES) / stand.entry,
+                  home_ / "data" / "applications" / stand.entry);
+  }
+  std::vector<std::string> editor{"--class",   stand.className,  "--instance", stand.instance,
+                                  "--title",   stand.title,      "--geometry", "800x600+300+200",
                                   "--palette", "40x40+1250+150", "--color",    "4a6078"};
   if (!editorViewerGeometry_.empty()) {
     editor.insert(editor.end(), {"--viewer", editorViewerGeometry_});
@@ -135,6 +137,12 @@ std::optional<int> OrletTest::quitThroughMenu() {
   const auto menu = rectOf(*popup());
   click({menu.x + menu.width / 2, menu.y + menu.height - 12});  // "Quitter", the last entry
   return orlet_->waitForExit(5s);
+}
+
+int OrletTest::levelOf(xcb_window_t window) {
+  const auto stacking = x_->visibleStacking();
+  const auto it = std::find(stacking.begin(), stacking.end(), window);
+  return it == stacking.end() ? -1 : static_cast<int>(it - stacking.begin());
 }
 
 xcb_window_t OrletTest::orletWindow(bool (*fits)(const WindowRect&)) {
@@ -259,7 +267,10 @@ xcb_window_t OrletTest::openSettings() {
   if (!popup()) return XCB_NONE;
   const auto menu = rectOf(*popup());
   click({menu.x + menu.width / 2, menu.y + 12});  // "Paramètres…", the first entry
-  const auto fits = [](const WindowRect& r) { return r.width == 320 && r.height == 172; };
+  // The editor's row below the shortcut's, one line taller while no editor is known.
+  const auto fits = [](const WindowRect& r) {
+    return r.width == 320 && (r.height == 210 || r.height == 226);
+  };
   EXPECT_TRUE(eventually([&] { return isShown(orletWindow(fits)); }));
   return orletWindow(fits);
 }

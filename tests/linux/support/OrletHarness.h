@@ -37,8 +37,27 @@ Rect enlarged(const WindowRect& m);
 // The same on the screen.
 Rect enlargedOnScreen(const WindowRect& m);
 
-// ORLET on its own X session, beside a stand-in "Capture One 23" (main window and a small
-// palette) and a stand-in other application, with fresh XDG directories.
+// The application the stand-in editor plays: its window class, title and launcher entry (a file
+// of tests/linux/standin/entries, installed under its own name; none for an application the
+// desktop knows by its window class alone).
+struct EditorStandIn {
+  std::string instance, className, title, entry;
+
+  static EditorStandIn captureOne() {
+    return {"captureone", "CaptureOne", "Capture One 23", "com.captureone.CaptureOne.desktop"};
+  }
+  // As darktable names its windows and installs its entry.
+  static EditorStandIn darktable() {
+    return {"darktable", "Darktable", "darktable", "org.darktable.darktable.desktop"};
+  }
+  // An image viewer, which no rule takes for the editor.
+  static EditorStandIn imageViewer() {
+    return {"eog", "Eog", "photo.jpg", "org.gnome.eog.desktop"};
+  }
+};
+
+// ORLET on its own X session, beside a stand-in editor ("Capture One 23" unless set otherwise:
+// main window and a small palette) and a stand-in other application, with fresh XDG directories.
 class OrletTest : public ::testing::Test {
  protected:
   void SetUp() override;
@@ -96,6 +115,18 @@ class OrletTest : public ::testing::Test {
   xcb_window_t viewerWindow_ = XCB_NONE;
   // Set false before SetUp for a session without a notification area.
   bool sessionHasTray_ = true;
+  // Set before SetUp: what the editor stand-in plays.
+  EditorStandIn editorStandIn_ = EditorStandIn::captureOne();
+
+  // Where `window` is in the visible stacking order, bottom to top; -1 when it is not shown.
+  int levelOf(xcb_window_t window);
+  bool directlyAboveEditor() {
+    const int editor = levelOf(editorWindow_);
+    return editor >= 0 && levelOf(mirror()) == editor + 1;
+  }
+  bool pinned() { return x_->hasState(mirror(), x_->ewmh()._NET_WM_STATE_ABOVE); }
+  // The pin button: 22 x 22, 8 from the top-right corner.
+  static Spot pinButton(const WindowRect& m) { return {m.x + m.width - 8 - 11, m.y + 8 + 11}; }
 
  private:
   std::unique_ptr<Process> startStandIn(const std::string& name,

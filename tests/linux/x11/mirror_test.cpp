@@ -4,22 +4,7 @@
 namespace orlet::x11test {
 namespace {
 
-class MirrorTest : public OrletTest {
- protected:
-  // Where `window` is in the visible stacking order, bottom to top; -1 when it is not shown.
-  int levelOf(xcb_window_t window) {
-    const auto stacking = x_->visibleStacking();
-    const auto it = std::find(stacking.begin(), stacking.end(), window);
-    return it == stacking.end() ? -1 : static_cast<int>(it - stacking.begin());
-  }
-  bool directlyAboveEditor() {
-    const int editor = levelOf(editorWindow_);
-    return editor >= 0 && levelOf(mirror()) == editor + 1;
-  }
-  bool pinned() { return x_->hasState(mirror(), x_->ewmh()._NET_WM_STATE_ABOVE); }
-  // The pin button: 22 x 22, 8 from the top-right corner.
-  static Spot pinButton(const WindowRect& m) { return {m.x + m.width - 8 - 11, m.y + 8 + 11}; }
-};
+using MirrorTest = OrletTest;
 
 // A click on the button shows the mirror beside it, top edges aligned, and a second click hides
 // it; neither those clicks nor one on the mirror's background (where a drag would move it) take
