@@ -20,14 +20,14 @@ scripts/xsession.sh start "$display" --tray
 export DISPLAY=$display
 trap 'kill $(jobs -p) 2>/dev/null; scripts/xsession.sh stop "$display"' EXIT
 
-# The stand-in editor is named "Capture One 23" by a desktop entry, as an installed editor is.
+# The stand-in editor plays darktable: its windows' class, and darktable's own launcher entry.
 editor="$build/tests/linux/orlet_standin"
 if [[ -x $editor ]]; then
   export XDG_DATA_HOME=$(mktemp -d)
   mkdir -p "$XDG_DATA_HOME/applications"
-  printf '[Desktop Entry]\nType=Application\nName=Capture One 23\nExec=true\nStartupWMClass=CaptureOne\n' \
-    > "$XDG_DATA_HOME/applications/orlet-demo-captureone.desktop"
-  "$editor" --class CaptureOne --title "Capture One 23" --geometry 1000x700+300+150 >/dev/null &
+  cp tests/linux/standin/entries/org.darktable.darktable.desktop "$XDG_DATA_HOME/applications/"
+  "$editor" --instance darktable --class Darktable --title darktable \
+    --geometry 1000x700+300+150 >/dev/null &
 else
   editor=""
 fi
@@ -40,7 +40,7 @@ for _ in $(seq 100); do
   sleep 0.1
 done
 if [[ -n $editor ]]; then
-  xdotool search --class CaptureOne windowactivate 2>/dev/null || true
+  xdotool search --class Darktable windowactivate 2>/dev/null || true
   # Show the mirror as the operator would: a click on the floating button.
   for window in $(xdotool search --pid "$orlet_pid" 2>/dev/null); do
     eval "$(xdotool getwindowgeometry --shell "$window")"

@@ -106,7 +106,9 @@ Options parseOptions(int argc, char** argv) {
     const auto unknown = parser.unknownOptionNames();
     std::cerr << "orlet: "
               << (unknown.isEmpty() ? std::string("arguments incompris")
-                                    : "option inconnue : " + unknown.front().toStdString())
+                                    : "option inconnue : " +
+                                          std::string(unknown.front().size() > 1 ? "--" : "-") +
+                                          unknown.front().toStdString())
               << "\nVoir « orlet --help ».\n";
     std::exit(1);
   }
@@ -115,7 +117,7 @@ Options parseOptions(int argc, char** argv) {
     std::exit(0);
   }
   if (parser.isSet(version)) {
-    std::cout << "ORLET " << ORLET_VERSION << '\n';
+    std::cout << "orlet " << ORLET_VERSION << '\n';
     std::exit(0);
   }
   return {parser.isSet(stats)};

@@ -77,6 +77,10 @@ struct Layout {
   Spot mainCorner;
 };
 
+void PrintTo(const Layout& layout, std::ostream* out) {
+  *out << layout.name;
+}
+
 class MainDisplayElsewhereTest : public OrletTest, public ::testing::WithParamInterface<Layout> {
  protected:
   void SetUp() override {

@@ -23,6 +23,27 @@ TEST(OrletWithoutDisplay, ExitsWithAMessage) {
   std::filesystem::remove(log);
 }
 
+// The command line answers in French, with no display needed, and its help names the editor.
+TEST(OrletWithoutDisplay, TheCommandLineAnswersInFrench) {
+  const std::string log = (std::filesystem::temp_directory_path() / "orlet-cli.log").string();
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"--help", 0, "à côté de votre éditeur photo.\n\nOptions :\n  -h, --help     Affiche"},
+      {"--bogus", 1, "orlet: option inconnue : --bogus\nVoir « orlet --help »."},
+  };
+  for (const auto& [argument, status, said] : cases) {
+    std::filesystem::remove(log);
+    Process orlet({ORLET_BINARY, argument},
+                  {{"DISPLAY", ""},
+                   {"XDG_DATA_HOME", "/nonexistent"},
+                   {"XDG_DATA_DIRS", "/nonexistent"},
+                   {"XDG_CONFIG_HOME", "/nonexistent"}},
+                  log);
+    EXPECT_EQ(orlet.waitForExit(10s), status);
+    EXPECT_NE(orlet.output().find(said), std::string::npos) << orlet.output();
+  }
+  std::filesystem::remove(log);
+}
+
 // The button floats on every desktop without a taskbar entry and is shown only while the editor
 // is in front; the status icon sits in the tray; the mirror has no taskbar entry either.
 TEST_F(OrletTest, ButtonFollowsTheEditorAndStaysOutOfTheTaskbar) {
