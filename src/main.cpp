@@ -26,6 +26,7 @@
 #include "linux/qt/QtSettingsPanel.h"
 #include "linux/qt/QtStatusBar.h"
 #include "linux/qt/StatsReport.h"
+#include "linux/qt/ToggleChannel.h"
 #include "linux/qt/XcbEventFilter.h"
 #include "linux/qt/views/MirrorContent.h"
 #include "linux/qt/views/MirrorInteraction.h"
@@ -63,6 +64,15 @@ struct Options {
   bool stats = false;
 };
 
+// `orlet --toggle`: the running ORLET toggles its mirror; this process only asks.
+[[noreturn]] void askTheRunningOrletToToggle(int argc, char** argv) {
+  QCoreApplication cli(argc, argv);
+  std::string error;
+  if (linux_qt::ToggleChannel::request(error)) std::exit(0);
+  std::cerr << "orlet: " << error << '\n';
+  std::exit(1);
+}
+
 // The editor the help names: the one chosen, else one of the known editors installed. Which of
 // them runs cannot be known without a display.
 std::optional<std::string> editorNameWithoutDisplay() {
@@ -81,7 +91,7 @@ std::string lowercaseFirst(std::string text) {
 }
 
 std::string helpText() {
-  return "Utilisation : orlet [--stats]\n"
+  return "Utilisation : orlet [--stats | --toggle]\n"
          "ORLET : " +
          lowercaseFirst(editor_texts::description(editorNameWithoutDisplay())) +
          ".\n\n"
@@ -89,7 +99,9 @@ std::string helpText() {
          "  -h, --help     Affiche cette aide et quitte.\n"
          "  -v, --version  Affiche la version et quitte.\n"
          "  --stats        Écrit sur la sortie d'erreur ce que l'image a coûté, chaque seconde où\n"
-         "                 cela change.\n";
+         "                 cela change.\n"
+         "  --toggle       Montre ou cache le miroir de l'ORLET lancé, comme le raccourci, et\n"
+         "                 quitte.\n";
 }
 
 // The command line, read before anything needs a display: --help and --version answer and
@@ -99,7 +111,8 @@ Options parseOptions(int argc, char** argv) {
   const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
   const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
   const QCommandLineOption stats(QStringLiteral("stats"));
-  parser.addOptions({help, version, stats});
+  const QCommandLineOption toggle(QStringLiteral("toggle"));
+  parser.addOptions({help, version, stats, toggle});
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
   if (!parser.parse(arguments)) {
@@ -120,6 +133,7 @@ Options parseOptions(int argc, char** argv) {
     std::cout << "orlet " << ORLET_VERSION << '\n';
     std::exit(0);
   }
+  if (parser.isSet(toggle)) askTheRunningOrletToToggle(argc, argv);
   return {parser.isSet(stats)};
 }
 
@@ -266,6 +280,12 @@ int run(QApplication& qt, int screen, const Options& options) {
     app.start();
   } catch (const std::exception& error) {
     return fail(std::string("démarrage impossible : ") + error.what());
+  }
+  std::string channelError;
+  const auto toggleChannel = linux_qt::ToggleChannel::listen(
+      [&adapters] { adapters.notifications.post(notification::hotkeyPressed); }, channelError);
+  if (!toggleChannel) {
+    std::cerr << "orlet: « orlet --toggle » ne pourra pas joindre ORLET (" << channelError << ")\n";
   }
   QTimer::singleShot(confirmedAfterMs, &qt, [] {
     linux_update::pruneReplacedVersion(linux_update::locateThisInstall(), "/proc/self/exe");

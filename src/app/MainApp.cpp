@@ -69,10 +69,13 @@ void MainApp::observeHotkey() {
 }
 
 // A new choice takes effect at once: the button follows the new editor, and a pinned mirror is
-// stacked above it. The front application itself has not changed, so an unpinned mirror stays.
+// stacked above it. The front application itself has not changed, so an unpinned mirror stays;
+// but should this program have kept the front for want of an editor, the new one gets it.
 void MainApp::observeEditorChoice() {
   subscriptions_.push_back(ports_.editor.choice().observe([this] {
-    updateButtonVisibility(FrontApplication::read(ports_.editor));
+    const auto front = FrontApplication::read(ports_.editor);
+    if (front.isOurs) reactivateEditor();
+    updateButtonVisibility(front);
     WindowController::shared().editorChoiceDidChange();
   }));
 }

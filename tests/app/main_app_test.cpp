@@ -141,6 +141,10 @@ TEST(EditorFollowing, TheButtonFollowsTheEditorTheOperatorUses) {
     return button.isVisible();
   };
   EXPECT_TRUE(frontIs(firefox));  // no editor known
+  EXPECT_TRUE(frontIs(platform.ourApp()));
+  platform.editorChoice.choose("GIMP");  // this program kept the front, for want of an editor
+  EXPECT_EQ(platform.workspace.frontmostApplication(), gimp);
+  platform.editorChoice.choose("");
 
   platform.workspace.installed.push_back(
       {"Darktable", "org.darktable.darktable", "darktable", {"Graphics", "Photography"}});

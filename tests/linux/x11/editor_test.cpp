@@ -60,7 +60,10 @@ TEST_F(BesideAnImageViewerTest, WithNoEditorKnownTheButtonStaysUntilOneIsChosen)
   xdotool("type --delay 50 Image");
   xdotool("key Return");
   EXPECT_TRUE(eventually([&] { return setting("editorName") == "Image Viewer"; }));
-  EXPECT_TRUE(eventually([&] { return !isShown(button()); }));
+  // At once, the panel still open: shown only while the viewer is in front (some window managers
+  // give it the keyboard as the list closes).
+  EXPECT_TRUE(
+      eventually([&] { return isShown(button()) == (x_->activeWindow() == editorWindow_); }));
   EXPECT_TRUE(isShown(settings));
   EXPECT_TRUE(eventually([&] { return rectOf(settings).height == 210; }));
 

@@ -129,5 +129,24 @@ TEST_F(ShortcutTest, AKeyAnotherProgramHoldsIsReportedOnceAndTheButtonStillWorks
   EXPECT_EQ(output.find(line), output.rfind(line));
 }
 
+// `orlet --toggle` does what the shortcut does, for a desktop whose own key binding runs it; with
+// no ORLET in the session it says so and fails.
+TEST_F(ShortcutTest, TheToggleCommandTogglesTheRunningMirror) {
+  const auto toggle = [&] {
+    auto command = launchOrlet({"--toggle"});
+    const auto status = command->waitForExit(10s);
+    return std::make_pair(status, command->output());
+  };
+  EXPECT_EQ(toggle(),
+            std::make_pair(std::optional<int>(1),
+                           std::string("orlet: ORLET n'est pas lancé dans cette session\n")));
+  startOrlet();
+  EXPECT_EQ(toggle().first, 0);
+  EXPECT_TRUE(eventually([&] { return isShown(mirror()); }));
+  EXPECT_EQ(x_->activeWindow(), editorWindow_);
+  EXPECT_EQ(toggle().first, 0);
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
+}
+
 }  // namespace
 }  // namespace orlet::x11test
