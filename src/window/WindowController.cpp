@@ -134,6 +134,7 @@ bool WindowController::toggleWindow(const Panel* anchor) {
     return false;
   }
   userWantsWindowVisible_ = true;
+  updatePinToolTip();
   if (anchor && !savedOrigin(window.frame().size())) placeBeside(*anchor);
   window.orderFrontRegardless();
   ports_.notifications.post(notification::windowDidShow);

@@ -54,7 +54,6 @@ void WindowController::handleFrontAppChange(std::string_view appNameLowercased,
                                             bool isOurAppFront) {
   ensureWindow();
   if (!secondaryWindow_) return;
-  updatePinToolTip();
   const bool isCaptureOne = ports_.editor.isEditorName(appNameLowercased);
   if (lastFrontAppWasCaptureOne_ && !isCaptureOne) {
     wasVisibleBeforeLeavingCaptureOne_ = secondaryWindow_->isVisible();
@@ -68,8 +67,9 @@ void WindowController::editorChoiceDidChange() {
   if (isPinned_) applyPinState();
 }
 
-// Read again on every change of the front application: in the automatic mode the editor named
-// is the one running, which may have started or quit since.
+// Read again each time the mirror is shown: in the automatic mode the editor named is the one
+// running, which may have started or quit since. Not on a change of the front application: the
+// round trips it takes would delay the restacking that change calls for.
 void WindowController::updatePinToolTip() {
   if (!pinButton_) return;
   auto text = editor_texts::pinToolTip(ports_.editor.editorName());

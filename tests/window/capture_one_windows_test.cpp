@@ -91,8 +91,7 @@ TEST(EditorRecognition, OfTwoEditorsTheFirstRunningOneIsUsed) {
 }
 
 // The pin button's tool tip reads as it always has beside Capture One and names any other
-// editor, following a new choice at once and a newly started editor at the next change of the
-// front application.
+// editor, following a new choice at once and a newly started editor when the mirror next shows.
 TEST(EditorRecognition, ThePinButtonNamesTheEditor) {
   FakePlatform platform;
   WindowController controller(platform.windowControllerPorts());
@@ -102,11 +101,14 @@ TEST(EditorRecognition, ThePinButtonNamesTheEditor) {
     return "Épingler la fenêtre (rester visible quand " + name + " est au premier plan)";
   };
   EXPECT_EQ(pin.toolTip, toolTip("votre éditeur photo"));
+  const auto showAgain = [&] {
+    if (!controller.toggleWindow(nullptr)) controller.toggleWindow(nullptr);
+  };
   platform.workspace.installed.push_back({"Darktable", "org.darktable.darktable", "", {}});
-  controller.handleFrontAppChange("", true);
+  showAgain();
   EXPECT_EQ(pin.toolTip, toolTip("Darktable"));
   platform.launch("Capture One 23", 200);
-  controller.handleFrontAppChange("", true);
+  showAgain();
   EXPECT_EQ(pin.toolTip,
             "Épingler la fenêtre (rester visible quand Capture One est au premier plan)");
   platform.editorChoice.choose("GIMP");

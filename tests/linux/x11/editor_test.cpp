@@ -33,6 +33,7 @@ TEST_F(BesideDarktableTest, TheMirrorWorksBesideDarktableOutOfTheBox) {
   const auto m = showMirror();
   click(pinButton(m));
   ASSERT_TRUE(eventually([&] { return setting("secondaryWindowPinned") == "true"; }));
+  ASSERT_TRUE(eventually([&] { return pinned(); }));
   activate(otherWindow_);
   EXPECT_TRUE(eventually([&] { return aboveEditor() && !pinned(); }));
   EXPECT_GT(levelOf(otherWindow_), levelOf(mirror()));
