@@ -15,6 +15,8 @@ packages=(
   libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
   libxcb-xtest0-dev libxcb-xinput-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev
   libxcb-util-dev libxcb-shape0-dev libxcb-keysyms1-dev libxkbcommon-dev libxkbcommon-x11-dev libxcb-xkb-dev
+  # Wayland: the client library and the protocols' descriptions, bound at build time
+  libwayland-dev wayland-protocols
   # updates: the feed's XML, the archives' Ed25519 signatures
   libexpat1-dev libsodium-dev
   # tests; the updater's tests serve HTTPS with a certificate authority of their own (python3,
@@ -28,6 +30,8 @@ packages=(
   # tools the integration tests drive it with, and fonts and icons for what is drawn
   xserver-xorg-core libgl1-mesa-dri xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer
   xdotool imagemagick fonts-dejavu-core adwaita-icon-theme
+  # the Wayland session of the tests: headless sway
+  sway
 )
 if [[ ${1:-} == --bench ]]; then
   packages+=(ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good)

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "../capture/LoopScheduler.h"
+#include "Session.h"
+#include "WaylandSession.h"
+#include "linux/wayland/WaylandConnection.h"
+#include "linux/wayland/WlrSyntheticInput.h"
+#include "linux/wayland/WlrWorkspace.h"
+
+namespace orlet::x11test {
+namespace {
+
+namespace fs = std::filesystem;
+using wayland::WaylandConnection;
+
+// The adapters of a wlroots desktop against headless sway, beside two stand-in applications:
+// "darktable" (with darktable's own launcher entry) and one the desktop knows by its app_id
+// alone.
+class WlrootsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_FALSE(session_.display().empty()) << "sway did not start";
+    data_ = fs::temp_directory_path() / ("orlet-wayland-data-" + std::to_string(getpid()));
+    fs::create_directories(data_ / "applications");
+    fs::copy_file(fs::path(ORLET_STANDIN_ENTRIES) / "org.darktable.darktable.desktop",
+                  data_ / "applications" / "org.darktable.darktable.desktop",
+                  fs::copy_options::overwrite_existing);
+    editor_ = startStandIn("darktable", "300,200", "4a6078");
+    other_ = startStandIn("otherapp", "2300,300", "8a4a30");
+    std::string error;
+    connection_ = WaylandConnection::connect(session_.display(), error);
+    ASSERT_TRUE(connection_) << error;
+  }
+  void TearDown() override {
+    connection_.reset();
+    editor_.reset();
+    other_.reset();
+    fs::remove_all(data_);
+  }
+
+  // Shown at `at` ("x,y"), 800 x 600, once sway has placed it.
+  std::unique_ptr<Process> startStandIn(const std::string& appId, const std::string& at,
+                                        const std::string& color) {
+    auto process = std::make_unique<Process>(
+        std::vector<std::string>{ORLET_WAYLAND_STANDIN_BINARY, "--app-id", appId, "--title", appId,
+                                 "--size", "800x600", "--color", color},
+        std::map<std::string, std::string>{{"WAYLAND_DISPLAY", session_.display()}},
+        (data_ / (appId + ".log")).string());
+    EXPECT_TRUE(eventually([&] { return process->output().find("window") != std::string::npos; }));
+    auto x = at.substr(0, at.find(',')), y = at.substr(at.find(',') + 1);
+    session_.swaymsg("'[app_id=\"" + appId + "\"] move absolute position " + x + " " + y + "'");
+    EXPECT_TRUE(eventually([&] {
+      for (const auto& w : session_.windows()) {
+        if (w.appId == appId) return w.rect.x == std::stoi(x) && w.rect.y == std::stoi(y);
+      }
+      return false;
+    }));
+    return process;
+  }
+
+  // Runs the compositor's events and the scheduler's work until `done` holds.
+  bool pumpUntil(const std::function<bool()>& done, Seconds timeout = Seconds{5}) {
+    const auto limit = test::LoopScheduler::Clock::now() +
+                       std::chrono::duration_cast<test::LoopScheduler::Clock::duration>(timeout);
+    while (!done()) {
+      if (test::LoopScheduler::Clock::now() > limit) return false;
+      connection_->flush();
+      pollfd fd{connection_->fd(), POLLIN, 0};
+      if (poll(&fd, 1, 5) > 0 && !connection_->dispatch()) return false;
+      scheduler_.pumpUntil([] { return false; }, Seconds{0.001});
+    }
+    return true;
+  }
+
+  bool focused(const std::string& appId) {
+    for (const auto& w : session_.windows()) {
+      if (w.appId == appId) return w.focused;
+    }
+    return false;
+  }
+
+  SwaySession session_;
+  fs::path data_;
+  test::LoopScheduler scheduler_;
+  std::unique_ptr<Process> editor_, other_;
+  std::unique_ptr<WaylandConnection> connection_;
+};
+
+// The application in front is the activated window's, named by its launcher entry or, without
+// one, by its app_id; a change is told once; activating hands the front to an application.
+TEST_F(WlrootsTest, TheFrontApplicationFollowsTheCompositorAndCanBeHandedBack) {
+  wayland::WlrWorkspace workspace(*connection_, scheduler_, x11::DesktopEntries({data_}, "C"),
+                                  "orlet");
+  ASSERT_TRUE(workspace.isAvailable());
+  int changes = 0;
+  const auto subscription = workspace.observeDidActivateApplication([&] { ++changes; });
+  const auto frontName = [&] {
+    const auto front = workspace.frontmostApplication();
+    return front ? front->localizedName.value_or("") : std::string("-");
+  };
+
+  session_.swaymsg("'[app_id=\"darktable\"] focus'");
+  EXPECT_TRUE(pumpUntil([&] { return frontName() == "Darktable"; })) << frontName();
+  session_.swaymsg("'[app_id=\"otherapp\"] focus'");
+  EXPECT_TRUE(pumpUntil([&] { return frontName() == "otherapp"; })) << frontName();
+  EXPECT_TRUE(pumpUntil([&] { return changes == 2; })) << changes;
+
+  std::vector<std::string> names;
+  std::optional<RunningApplication> darktable;
+  for (const auto& app : workspace.runningApplications()) {
+    names.push_back(app.localizedName.value_or(""));
+    if (app.bundleIdentifier == "darktable") darktable = app;
+  }
+  std::ranges::sort(names);
+  EXPECT_EQ(names, (std::vector<std::string>{"Darktable", "otherapp"}));
+
+  ASSERT_TRUE(darktable);
+  workspace.activate(*darktable);
+  EXPECT_TRUE(pumpUntil([&] { return frontName() == "Darktable" && focused("darktable"); }));
+  EXPECT_EQ(changes, 3);
+}
+
+// A click lands on the window under the spot, at the spot, on either output; the first motion
+// also waits for the seat, which has no pointer until the virtual one exists.
+TEST_F(WlrootsTest, ClicksLandAtTheSpotOnEveryOutput) {
+  std::ostringstream diagnostics;
+  wayland::WlrSyntheticInput input(*connection_, diagnostics);
+  const auto layout = connection_->layout();
+  EXPECT_EQ(layout, (Rect{0, 0, 4480, 1440}));
+  const std::pair<Point, std::string> cases[] = {
+      {{500, 350}, "click 200 150\nrelease 200 150\n"},
+      {{2310, 899}, "click 10 599\nrelease 10 599\n"},
+  };
+  for (const auto& [at, said] : cases) {
+    auto& log = at.x < 1920 ? *editor_ : *other_;
+    EXPECT_TRUE(pumpUntil([&] {
+      input.warpPointer(at, std::nullopt);
+      return log.output().find("enter") != std::string::npos;
+    }));
+    input.leftButtonDown(at);
+    input.leftButtonUp(at);
+    EXPECT_TRUE(pumpUntil([&] { return log.output().find(said) != std::string::npos; }))
+        << log.output();
+  }
+  EXPECT_EQ(diagnostics.str(), "");
+}
+
+}  // namespace
+}  // namespace orlet::x11test
