@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -8,7 +10,9 @@
 #include "../capture/LoopScheduler.h"
 #include "Session.h"
 #include "WaylandSession.h"
+#include "capture/BufferReducer.h"
 #include "linux/wayland/WaylandConnection.h"
+#include "linux/wayland/WlrScreencopy.h"
 #include "linux/wayland/WlrSyntheticInput.h"
 #include "linux/wayland/WlrWorkspace.h"
 
@@ -148,6 +152,46 @@ TEST_F(WlrootsTest, ClicksLandAtTheSpotOnEveryOutput) {
         << log.output();
   }
   EXPECT_EQ(diagnostics.str(), "");
+}
+
+// An output is copied whole first, then only once something changed, with what changed; the
+// copies reduce to a picture that shows each window where it stands.
+TEST_F(WlrootsTest, AnOutputIsCopiedWithWhatChanged) {
+  const auto& outputs = connection_->outputs();
+  const auto second =
+      std::ranges::find(outputs, std::string("HEADLESS-2"), [](const auto& o) { return o->name; });
+  ASSERT_NE(second, outputs.end());
+  wayland::WlrScreencopy copier(*connection_, (*second)->output);
+  BufferReducer reducer(2560, 1440, 900, 506);
+  FrameRef frame;
+  // The picture's colour where the centre of an 800 x 600 window at (x, y) of the output lies.
+  const auto colourAt = [&](int x, int y) {
+    const auto* p = frame->row((y + 300) * 506 / 1440) + (x + 400) * 900 / 2560 * 4;
+    return std::uint32_t(p[2]) << 16 | std::uint32_t(p[1]) << 8 | p[0];
+  };
+  // Nothing waits for ever: the copies are abandoned after five seconds.
+  const int deadline = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);
+  const itimerspec fiveSeconds{{0, 0}, {5, 0}};
+  timerfd_settime(deadline, 0, &fiveSeconds, nullptr);
+  std::string error;
+  auto copy = copier.next(deadline, error);
+  ASSERT_TRUE(copy) << error;
+  EXPECT_EQ(copy->changed, (std::vector<PixelRect>{{0, 0, 2560, 1440}}));
+  ASSERT_EQ(reducer.read(copy->pixels, copy->stride, copy->changed, frame),
+            BufferReducer::Result::ok);
+  EXPECT_EQ(colourAt(380, 300), 0x8a4a30u);
+
+  session_.swaymsg("'[app_id=\"otherapp\"] move absolute position 3400 600'");
+  copy = copier.next(deadline, error);
+  ASSERT_TRUE(copy) << error;
+  std::int64_t changed = 0;
+  for (const auto& r : copy->changed) changed += r.area();
+  EXPECT_LT(changed, 2560 * 1440);
+  ASSERT_EQ(reducer.read(copy->pixels, copy->stride, copy->changed, frame),
+            BufferReducer::Result::ok);
+  EXPECT_NE(colourAt(380, 300), 0x8a4a30u);
+  EXPECT_EQ(colourAt(1480, 600), 0x8a4a30u);
+  close(deadline);
 }
 
 }  // namespace
