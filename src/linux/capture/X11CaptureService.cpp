@@ -4,7 +4,7 @@
 
 #include "linux/capture/Monitors.h"
 #include "linux/capture/RootFormat.h"
-#include "linux/capture/X11CaptureStream.h"
+#include "linux/capture/ThreadedCaptureStream.h"
 #include "linux/capture/Xcb.h"
 
 namespace orlet::linux_capture {
@@ -51,8 +51,8 @@ void X11CaptureService::shareableContent(
 
 std::shared_ptr<CaptureStream> X11CaptureService::makeStream(
     const Display& display, const StreamConfiguration& configuration) {
-  return std::make_shared<X11CaptureStream>(scheduler_, threads_, memory_, displayName_, display,
-                                            configuration);
+  return std::make_shared<ThreadedCaptureStream>(scheduler_, threads_, &runGrabber, memory_,
+                                                 displayName_, display, configuration);
 }
 
 }  // namespace orlet::linux_capture

@@ -12,6 +12,7 @@
 #include "WaylandSession.h"
 #include "capture/BufferReducer.h"
 #include "linux/wayland/WaylandConnection.h"
+#include "linux/wayland/WlrCaptureService.h"
 #include "linux/wayland/WlrScreencopy.h"
 #include "linux/wayland/WlrSyntheticInput.h"
 #include "linux/wayland/WlrWorkspace.h"
@@ -192,6 +193,54 @@ TEST_F(WlrootsTest, AnOutputIsCopiedWithWhatChanged) {
   EXPECT_NE(colourAt(380, 300), 0x8a4a30u);
   EXPECT_EQ(colourAt(1480, 600), 0x8a4a30u);
   close(deadline);
+}
+
+// Keeps the latest picture a stream delivered.
+struct LatestPicture final : CaptureStreamOutput {
+  void didOutputSampleBuffer(CaptureStream&, const SampleBuffer& sample,
+                             StreamOutputType) override {
+    if (sample.imageBuffer) latest = sample.imageBuffer;
+  }
+  // The colour at the centre of an 800 x 600 window at (x, y) of a 2560 x 1440 output, in a
+  // 900 x 506 picture of it.
+  std::uint32_t colourAt(int x, int y) const {
+    const auto* p = latest->row((y + 300) * 506 / 1440) + (x + 400) * 900 / 2560 * 4;
+    return std::uint32_t(p[2]) << 16 | std::uint32_t(p[1]) << 8 | p[0];
+  }
+  FrameRef latest;
+};
+
+// The outputs are listed as the compositor lays them out, the one at the origin first among
+// equals; a stream of one delivers its picture at the size asked, and again once it changed.
+TEST_F(WlrootsTest, TheOutputsAreListedAndStreamedLive) {
+  wayland::WlrCaptureService service(scheduler_, *connection_, session_.display());
+  std::optional<ShareableContent> content;
+  service.shareableContent([&](auto listed, auto) { content = listed; });
+  ASSERT_TRUE(pumpUntil([&] { return content.has_value(); }));
+  ASSERT_EQ(content->displays.size(), 2u);
+  const auto& second = content->displays[1];
+  EXPECT_TRUE(content->displays[0].isMain);
+  EXPECT_EQ(second.frame, (Rect{1920, 0, 2560, 1440}));
+  EXPECT_EQ(second.displayID, wayland::WlrCaptureService::idOf("HEADLESS-2"));
+
+  StreamConfiguration size;
+  size.width = 900;
+  size.height = 506;
+  auto stream = service.makeStream(second, size);
+  auto picture = std::make_shared<LatestPicture>();
+  ASSERT_FALSE(stream->addStreamOutput(picture, StreamOutputType::screen));
+  std::optional<std::string> started;
+  stream->startCapture([&](auto error) { started = error ? error->message : ""; });
+  EXPECT_TRUE(pumpUntil([&] { return picture->latest != nullptr; }));
+  ASSERT_EQ(started, "");
+  EXPECT_EQ(picture->latest->width(), 900);
+  EXPECT_EQ(picture->colourAt(380, 300), 0x8a4a30u);
+
+  session_.swaymsg("'[app_id=\"otherapp\"] move absolute position 3400 600'");
+  EXPECT_TRUE(pumpUntil([&] { return picture->colourAt(1480, 600) == 0x8a4a30u; }));
+  bool stopped = false;
+  stream->stopCapture([&](auto) { stopped = true; });
+  EXPECT_TRUE(pumpUntil([&] { return stopped; }));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "linux/capture/X11CaptureStream.h"
+#include "linux/capture/ThreadedCaptureStream.h"
 
 #include <mutex>
 
@@ -6,7 +6,7 @@
 
 namespace orlet::linux_capture {
 
-struct X11CaptureStream::Run {
+struct ThreadedCaptureStream::Run {
   std::shared_ptr<StopSignal> stop = std::make_shared<StopSignal>();
   // The picture size, and the signal that wakes the thread to apply a new one.
   std::shared_ptr<PictureSize> size = std::make_shared<PictureSize>();
@@ -21,24 +21,27 @@ struct X11CaptureStream::Run {
   bool startFailed = false;
 };
 
-X11CaptureStream::X11CaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
-                                   std::shared_ptr<SharedMemoryPool> memory,
-                                   std::string displayName, Display display,
-                                   StreamConfiguration configuration)
+ThreadedCaptureStream::ThreadedCaptureStream(Scheduler& scheduler,
+                                             std::shared_ptr<WorkerThreads> threads,
+                                             CaptureThreadBody body,
+                                             std::shared_ptr<SharedMemoryPool> memory,
+                                             std::string displayName, Display display,
+                                             StreamConfiguration configuration)
     : scheduler_(scheduler),
       threads_(std::move(threads)),
+      body_(std::move(body)),
       memory_(std::move(memory)),
       displayName_(std::move(displayName)),
       display_(display),
       configuration_(configuration) {}
 
-X11CaptureStream::~X11CaptureStream() {
+ThreadedCaptureStream::~ThreadedCaptureStream() {
   if (run_) run_->stop->raise();
 }
 
-std::optional<CaptureError> X11CaptureStream::addStreamOutput(
+std::optional<CaptureError> ThreadedCaptureStream::addStreamOutput(
     std::shared_ptr<CaptureStreamOutput> output, StreamOutputType type) {
-  if (type != StreamOutputType::screen) return CaptureError{"X11 capture has no audio"};
+  if (type != StreamOutputType::screen) return CaptureError{"the capture has no audio"};
   for (const auto& [existing, existingType] : outputs_) {
     if (existing == output && existingType == type) return CaptureError{"output already added"};
   }
@@ -46,13 +49,13 @@ std::optional<CaptureError> X11CaptureStream::addStreamOutput(
   return std::nullopt;
 }
 
-void X11CaptureStream::fail(CaptureCompletion completion, std::string message) {
+void ThreadedCaptureStream::fail(CaptureCompletion completion, std::string message) {
   scheduler_.async([completion = std::move(completion), message = std::move(message)] {
     completion(CaptureError{message});
   });
 }
 
-void X11CaptureStream::startCapture(CaptureCompletion completion) {
+void ThreadedCaptureStream::startCapture(CaptureCompletion completion) {
   if (run_) return fail(std::move(completion), "the stream is already running");
   if (configuration_.pixelFormat != pixelFormatBGRA) {
     return fail(std::move(completion), "only BGRA frames can be captured");
@@ -73,14 +76,14 @@ void X11CaptureStream::startCapture(CaptureCompletion completion) {
   settings.pictureSize = run->size;
   settings.resizeFd = run->resized->fd();
   settings.memory = memory_;
-  threads_->spawn(run->stop, [settings, resized = run->resized,
+  threads_->spawn(run->stop, [settings, body = body_, resized = run->resized,
                               events = eventsFor(&scheduler_, weak_from_this(), run)] {
-    runGrabber(settings, events);
+    body(settings, events);
   });
 }
 
-void X11CaptureStream::updateConfiguration(const StreamConfiguration& configuration,
-                                           CaptureCompletion completion) {
+void ThreadedCaptureStream::updateConfiguration(const StreamConfiguration& configuration,
+                                                CaptureCompletion completion) {
   if (configuration.pixelFormat != pixelFormatBGRA) {
     return fail(std::move(completion), "only BGRA frames can be captured");
   }
@@ -94,9 +97,9 @@ void X11CaptureStream::updateConfiguration(const StreamConfiguration& configurat
 
 // The capture thread reaches the stream only through the scheduler, and only while it lives.
 // `scheduler` outlives the service and its threads.
-GrabberEvents X11CaptureStream::eventsFor(Scheduler* scheduler,
-                                          std::weak_ptr<X11CaptureStream> weak,
-                                          std::shared_ptr<Run> run) {
+GrabberEvents ThreadedCaptureStream::eventsFor(Scheduler* scheduler,
+                                               std::weak_ptr<ThreadedCaptureStream> weak,
+                                               std::shared_ptr<Run> run) {
   GrabberEvents events;
   events.started = [scheduler, weak, run](std::optional<CaptureError> error) {
     scheduler->async([weak, run, error] { started(weak, run, error); });
@@ -120,8 +123,9 @@ GrabberEvents X11CaptureStream::eventsFor(Scheduler* scheduler,
 }
 
 // Completions run even when the stream itself is gone: whoever waits for them still waits.
-void X11CaptureStream::started(const std::weak_ptr<X11CaptureStream>& weak,
-                               const std::shared_ptr<Run>& run, std::optional<CaptureError> error) {
+void ThreadedCaptureStream::started(const std::weak_ptr<ThreadedCaptureStream>& weak,
+                                    const std::shared_ptr<Run>& run,
+                                    std::optional<CaptureError> error) {
   auto completion = std::move(run->startCompletion);
   run->startCompletion = nullptr;
   auto self = weak.lock();
@@ -130,7 +134,7 @@ void X11CaptureStream::started(const std::weak_ptr<X11CaptureStream>& weak,
   if (completion) completion(error);
 }
 
-void X11CaptureStream::onFrame(const std::shared_ptr<Run>& run) {
+void ThreadedCaptureStream::onFrame(const std::shared_ptr<Run>& run) {
   FrameRef frame;
   {
     std::lock_guard lock(run->mutex);
@@ -143,8 +147,9 @@ void X11CaptureStream::onFrame(const std::shared_ptr<Run>& run) {
   for (const auto& [output, type] : outputs) output->didOutputSampleBuffer(*this, sample, type);
 }
 
-void X11CaptureStream::ended(const std::weak_ptr<X11CaptureStream>& weak,
-                             const std::shared_ptr<Run>& run, std::optional<CaptureError> error) {
+void ThreadedCaptureStream::ended(const std::weak_ptr<ThreadedCaptureStream>& weak,
+                                  const std::shared_ptr<Run>& run,
+                                  std::optional<CaptureError> error) {
   auto stopCompletion = std::move(run->stopCompletion);
   run->stopCompletion = nullptr;
   run->startCompletion = nullptr;
@@ -157,7 +162,7 @@ void X11CaptureStream::ended(const std::weak_ptr<X11CaptureStream>& weak,
   if (!run->startFailed && self->didStopWithError_) self->didStopWithError_(*self->endedAlone_);
 }
 
-void X11CaptureStream::stopCapture(CaptureCompletion completion) {
+void ThreadedCaptureStream::stopCapture(CaptureCompletion completion) {
   if (!run_) {
     return fail(std::move(completion),
                 endedAlone_ ? endedAlone_->message : "the stream is not running");

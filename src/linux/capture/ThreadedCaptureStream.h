@@ -12,16 +12,21 @@
 
 namespace orlet::linux_capture {
 
-// A capture stream whose pictures come from a thread of its own with its own X connection. The
-// main-thread side only starts and stops that thread and hands its frames to the outputs.
-class X11CaptureStream final : public CaptureStream,
-                               public std::enable_shared_from_this<X11CaptureStream> {
+// The body of a capture thread: captures until its stop signal, reporting through the events.
+using CaptureThreadBody = std::function<void(const GrabberSettings&, const GrabberEvents&)>;
+
+// A capture stream whose pictures come from a thread of its own with its own connection to the
+// display server (`body`: the X server's or a Wayland compositor's). The main-thread side only
+// starts and stops that thread and hands its frames to the outputs.
+class ThreadedCaptureStream final : public CaptureStream,
+                                    public std::enable_shared_from_this<ThreadedCaptureStream> {
  public:
-  X11CaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
-                   std::shared_ptr<SharedMemoryPool> memory, std::string displayName,
-                   Display display, StreamConfiguration configuration);
+  ThreadedCaptureStream(Scheduler& scheduler, std::shared_ptr<WorkerThreads> threads,
+                        CaptureThreadBody body, std::shared_ptr<SharedMemoryPool> memory,
+                        std::string displayName, Display display,
+                        StreamConfiguration configuration);
   // Ends a running capture without waiting for it.
-  ~X11CaptureStream() override;
+  ~ThreadedCaptureStream() override;
 
   std::optional<CaptureError> addStreamOutput(std::shared_ptr<CaptureStreamOutput> output,
                                               StreamOutputType type) override;
@@ -35,17 +40,18 @@ class X11CaptureStream final : public CaptureStream,
 
  private:
   struct Run;  // one start-to-end of the capture thread
-  static GrabberEvents eventsFor(Scheduler* scheduler, std::weak_ptr<X11CaptureStream> weak,
+  static GrabberEvents eventsFor(Scheduler* scheduler, std::weak_ptr<ThreadedCaptureStream> weak,
                                  std::shared_ptr<Run> run);
-  static void started(const std::weak_ptr<X11CaptureStream>& weak, const std::shared_ptr<Run>& run,
-                      std::optional<CaptureError> error);
+  static void started(const std::weak_ptr<ThreadedCaptureStream>& weak,
+                      const std::shared_ptr<Run>& run, std::optional<CaptureError> error);
   void onFrame(const std::shared_ptr<Run>& run);
-  static void ended(const std::weak_ptr<X11CaptureStream>& weak, const std::shared_ptr<Run>& run,
-                    std::optional<CaptureError> error);
+  static void ended(const std::weak_ptr<ThreadedCaptureStream>& weak,
+                    const std::shared_ptr<Run>& run, std::optional<CaptureError> error);
   void fail(CaptureCompletion completion, std::string message);
 
   Scheduler& scheduler_;
   std::shared_ptr<WorkerThreads> threads_;
+  CaptureThreadBody body_;
   std::shared_ptr<SharedMemoryPool> memory_;
   std::string displayName_;
   Display display_;
