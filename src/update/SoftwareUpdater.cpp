@@ -21,7 +21,7 @@ void SoftwareUpdater::checkForUpdates() {
   busy_ = true;
   item_.reset();
   if (p_.installer.archiveType().empty()) return fail(texts::notUpdatable());
-  if (settings_.feedUrl.empty()) return fail(texts::noFeed());
+  if (settings_.feedUrl.empty()) return fail(texts::noFeed(!p_.installer.installsItself()));
   present(texts::checking(), {}, [this] { finish(); });
   request_ = p_.http.get(settings_.feedUrl, {},
                          lifetime_.guard([this](HttpResult result) { onFeed(std::move(result)); }));
@@ -52,9 +52,12 @@ void SoftwareUpdater::onFeed(HttpResult result) {
 
 void SoftwareUpdater::offer(const AppcastItem& item) {
   item_ = item;
-  auto screen = texts::available(item.displayVersion(), settings_.runningVersion);
+  auto screen = p_.installer.installsItself()
+                    ? texts::available(item.displayVersion(), settings_.runningVersion)
+                    : texts::availableFromSystem(item.displayVersion(), settings_.runningVersion);
   screen.releaseNotes = item.description;
   screen.releaseNotesLink = item.releaseNotesLink;
+  if (!p_.installer.installsItself()) return present(std::move(screen));
   present(std::move(screen), [this] { download(); });
 }
 

@@ -65,6 +65,7 @@ class FakeUpdateDriver final : public UpdateUserDriver {
 class FakeInstaller final : public UpdateInstaller {
  public:
   std::string archiveType() const override { return type; }
+  bool installsItself() const override { return !fromSystem; }
   void install(std::string_view archive, const std::string& version,
                std::function<void(std::optional<std::string>)> done) override {
     installed = {std::string(archive), version};
@@ -73,6 +74,7 @@ class FakeInstaller final : public UpdateInstaller {
   void relaunch() override { relaunched = true; }
 
   std::string type = "application/gzip";
+  bool fromSystem = false;
   std::optional<std::string> failure;
   std::optional<std::pair<std::string, std::string>> installed;  // bytes, version
   bool relaunched = false;

@@ -186,7 +186,7 @@ TEST_F(UpdaterTest, WithoutAKeyOrOutsideAnInstallationNothingIsInstalled) {
   driver.press("Installer");
   http.answer(archive);
   scheduler.runUntilIdle();
-  EXPECT_NE(driver.screen.message.find("SUPublicEDKey"), std::string::npos);
+  EXPECT_NE(driver.screen.message.find("sans clé de vérification"), std::string::npos);
   EXPECT_FALSE(installer.installed);
   driver.press("OK");
 
@@ -194,6 +194,47 @@ TEST_F(UpdaterTest, WithoutAKeyOrOutsideAnInstallationNothingIsInstalled) {
   updater.checkForUpdates();
   EXPECT_EQ(driver.screen.step, Step::failed);
   EXPECT_TRUE(http.requests.size() == 2u) << "a copy that cannot be updated fetches nothing";
+}
+
+// A copy built without a channel says so in the operator's words; a Debian package's copy is
+// brought new versions by the system's updates and never installs one itself.
+TEST_F(UpdaterTest, WithoutAChannelOrAsADebianPackageItSaysSoInPlainWords) {
+  SoftwareUpdater channelless{{http, driver, installer, scheduler},
+                              {"", publisher.publicKey(), "1.1", "12"}};
+  channelless.checkForUpdates();
+  EXPECT_EQ(driver.screen.step, Step::failed);
+  EXPECT_NE(driver.screen.message.find("sans canal de mise à jour"), std::string::npos);
+  EXPECT_EQ(driver.screen.message.find("SU"), std::string::npos) << driver.screen.message;
+  driver.press("OK");
+
+  installer.fromSystem = true;
+  SoftwareUpdater channellessDeb{{http, driver, installer, scheduler},
+                                 {"", publisher.publicKey(), "1.1", "12"}};
+  channellessDeb.checkForUpdates();
+  EXPECT_NE(driver.screen.message.find("mises à jour du système"), std::string::npos);
+  driver.press("OK");
+
+  installer.type = "application/gzip";  // what the feed's items carry here
+  updater.checkForUpdates();
+  http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
+  EXPECT_EQ(driver.screen.step, Step::available);
+  EXPECT_NE(driver.screen.message.find("mises à jour du système"), std::string::npos);
+  EXPECT_EQ(driver.screen.primaryButton, "") << "nothing to install from here";
+  EXPECT_EQ(http.requests.size(), 1u);
+  EXPECT_FALSE(installer.installed);
+}
+
+// Any program of the operator's can write the settings file: it may point at another feed, never
+// replace the key that decides what is trusted.
+TEST(UpdaterSettings, TheSettingsFileNamesAFeedButNeverTheKey) {
+  MemoryDefaultsStore store;
+  UserDefaults defaults(store);
+  defaults.set("SUFeedURL", "https://staging.example/appcast.xml");
+  defaults.set("SUPublicEDKey", "QUJD");
+  const auto settings =
+      withOverrides({"https://updates.example/appcast.xml", "built-in", "1.1", ""}, defaults);
+  EXPECT_EQ(settings.feedUrl, "https://staging.example/appcast.xml");
+  EXPECT_EQ(settings.publicKey, "built-in");
 }
 
 }  // namespace
