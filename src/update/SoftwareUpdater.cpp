@@ -10,6 +10,13 @@ namespace orlet {
 
 namespace texts = update_texts;
 
+namespace {
+
+// A feed lists a few releases: far below this.
+constexpr std::uint64_t maxFeedLength = 1 << 20;
+
+}  // namespace
+
 SoftwareUpdater::SoftwareUpdater(Ports ports, UpdaterSettings settings)
     : p_(ports), settings_(std::move(settings)) {}
 
@@ -23,7 +30,7 @@ void SoftwareUpdater::checkForUpdates() {
   if (p_.installer.archiveType().empty()) return fail(texts::notUpdatable());
   if (settings_.feedUrl.empty()) return fail(texts::noFeed(!p_.installer.installsItself()));
   present(texts::checking(), {}, [this] { finish(); });
-  request_ = p_.http.get(settings_.feedUrl, {},
+  request_ = p_.http.get(settings_.feedUrl, maxFeedLength, {},
                          lifetime_.guard([this](HttpResult result) { onFeed(std::move(result)); }));
 }
 
@@ -70,7 +77,7 @@ void SoftwareUpdater::download() {
     present(texts::downloading(received, total ? total : item_->length), {}, [this] { finish(); });
   });
   request_ =
-      p_.http.get(item_->url, progress,
+      p_.http.get(item_->url, item_->length, progress,
                   lifetime_.guard([this](HttpResult result) { onDownloaded(std::move(result)); }));
 }
 

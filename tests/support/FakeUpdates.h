@@ -16,14 +16,15 @@ class FakeHttpClient final : public HttpClient {
  public:
   struct Pending {
     std::string url;
+    std::uint64_t maxBytes;
     Progress progress;
     std::function<void(HttpResult)> done;
     bool cancelled = false;
   };
 
-  Subscription get(const std::string& url, Progress progress,
+  Subscription get(const std::string& url, std::uint64_t maxBytes, Progress progress,
                    std::function<void(HttpResult)> done) override {
-    requests.push_back({url, std::move(progress), std::move(done)});
+    requests.push_back({url, maxBytes, std::move(progress), std::move(done)});
     const std::size_t index = requests.size() - 1;
     return Subscription([this, index] { requests[index].cancelled = true; });
   }

@@ -78,12 +78,14 @@ TEST_F(UpdaterTest, ANewerSignedReleaseIsOfferedDownloadedVerifiedInstalledAndRe
   updater.checkForUpdates();
   EXPECT_EQ(driver.screen.step, Step::checking);
   EXPECT_EQ(http.requests.at(0).url, "https://updates.example/appcast.xml");
+  EXPECT_EQ(http.requests.at(0).maxBytes, 1u << 20) << "a feed is small";
   http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
   EXPECT_EQ(driver.screen.step, Step::available);
   EXPECT_NE(driver.screen.message.find("ORLET 1.2 est disponible"), std::string::npos);
   EXPECT_EQ(driver.screen.releaseNotes, "Nouveautés");
   driver.press("Installer");
   EXPECT_EQ(http.requests.at(1).url, "https://updates.example/orlet-1.2.tar.gz");
+  EXPECT_EQ(http.requests.at(1).maxBytes, archive.size()) << "no byte beyond the announced length";
   http.requests[1].progress(archive.size() / 2, archive.size());
   EXPECT_EQ(driver.screen.step, Step::downloading);
   EXPECT_NEAR(driver.screen.progress, 0.5, 0.05);

@@ -114,7 +114,7 @@ class UpdaterOverHttps : public ::testing::Test {
   void check() {
     QList<QSslCertificate> authority =
         QSslCertificate::fromPath(QString::fromStdString((dir / "ca.pem").string()));
-    linux_update::QtHttpClient http(authority);
+    linux_update::QtHttpClient http(authority, transferTimeoutMs);
     SoftwareUpdater updater({http, driver, *installer, scheduler},
                             {base + "/appcast.xml", publicKey, "0.1.0", "12"});
     updater.checkForUpdates();
@@ -142,6 +142,7 @@ class UpdaterOverHttps : public ::testing::Test {
     EXPECT_FALSE(fs::exists(location.previous())) << why;
   }
 
+  int transferTimeoutMs = 30000;
   fs::path dir, home, key;
   std::string publicKey, base;
   linux_update::InstallLocation location;
@@ -187,6 +188,7 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
   };
   const auto length = std::to_string(genuine.size());
   makeArchive("0.0.9", dir / "www/orlet-0.0.9-Linux.tar.gz");
+  transferTimeoutMs = 1000;
   const struct {
     const char* why;
     std::function<void()> prepare;
@@ -201,6 +203,14 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
       {"foreign signature", [&] { publish(good, {}, strangerKey); }, "signature de la mise à jour"},
       {"truncated download", [&] { publish(good, replace(base + "/", base + "/truncated/")); },
        "Le téléchargement a échoué"},
+      {"longer than announced",
+       [&] {
+         publish(good,
+                 replace("length=\"" + length, "length=\"" + std::to_string(genuine.size() - 100)));
+       },
+       "plus longue que la taille annoncée"},
+      {"stalled server", [&] { publish(good, replace(base + "/", base + "/stall/")); },
+       "le serveur ne répond plus"},
       {"malformed feed", [&] { publish(good, replace("</channel>", "")); }, "illisibles"},
       {"older version", [&] { publish(dir / "www/orlet-0.0.9-Linux.tar.gz"); }, "la plus récente"},
   };
