@@ -213,6 +213,12 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
        "le serveur ne répond plus"},
       {"malformed feed", [&] { publish(good, replace("</channel>", "")); }, "illisibles"},
       {"older version", [&] { publish(dir / "www/orlet-0.0.9-Linux.tar.gz"); }, "la plus récente"},
+      {"old signed release offered as new",
+       [&] {
+         publish(dir / "www/orlet-0.0.9-Linux.tar.gz",
+                 replace("<sparkle:version>0.0.9", "<sparkle:version>0.3.0"));
+       },
+       "contient la version « 0.0.9 »"},
   };
   for (const auto& c : cases) {
     write(good, genuine);
@@ -224,6 +230,33 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
     EXPECT_FALSE(fs::exists(dir / "started")) << c.why;
     if (driver.visible) driver.press(driver.screen.secondaryButton);
   }
+}
+
+// A local attacker who replaces the package between its verification and its unpacking (played
+// by a stand-in tar that swaps every archive file it is given) gets nothing unpacked of theirs.
+TEST_F(UpdaterOverHttps, WhatIsUnpackedIsWhatWasVerified) {
+  makeArchive("6.6.6", dir / "attacker.tar.gz");
+  write(dir / "bin/tar",
+        "#!/bin/sh\nfor a in \"$@\"; do case \"$a\" in *.tar.gz) cp \"" +
+            (dir / "attacker.tar.gz").string() + "\" \"$a\";; esac; done\nexec /bin/tar \"$@\"\n",
+        true);
+  const std::string path = std::getenv("PATH");
+  ::setenv("PATH", ((dir / "bin").string() + ":" + path).c_str(), 1);
+  publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
+  check();
+  ::setenv("PATH", path.c_str(), 1);
+  ASSERT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
+  EXPECT_EQ(read(location.current() / "share/orlet/version"), "0.2.0\n");
+}
+
+// When the new version is in place but the old one cannot be remembered, the window says what
+// is true: the new version is what starts next.
+TEST_F(UpdaterOverHttps, AnInstallWhoseOldVersionCannotBeRememberedIsStillInstalled) {
+  write(location.root / "previous.new/in-the-way", "");
+  publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
+  check();
+  EXPECT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
+  EXPECT_EQ(fs::read_symlink(location.current()), "versions/0.2.0");
 }
 
 }  // namespace
