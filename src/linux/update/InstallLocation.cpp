@@ -1,6 +1,7 @@
 #include "linux/update/InstallLocation.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <vector>
 
 namespace orlet::linux_update {
@@ -20,15 +21,23 @@ fs::path canonicalOr(const fs::path& p) {
   return ec ? p : c;
 }
 
+bool packageOwns(const fs::path& dpkgInfo, const std::string& file) {
+  std::ifstream list(dpkgInfo / "orlet.list");
+  for (std::string line; std::getline(list, line);)
+    if (line == file) return true;
+  return false;
+}
+
 }  // namespace
 
-InstallLocation locateInstall(const fs::path& executable, const fs::path& home) {
+InstallLocation locateInstall(const fs::path& executable, const fs::path& home,
+                              const fs::path& dpkgInfo) {
   InstallLocation location;
   location.root = home / ".local" / "lib" / "orlet";
   const fs::path exe = canonicalOr(executable);
   if (!home.empty() && isInside(exe, canonicalOr(location.versions())))
     location.kind = InstallLocation::Kind::userArchive;
-  else if (isInside(exe, "/usr"))
+  else if (exe == "/usr/bin/orlet" && packageOwns(dpkgInfo, exe))
     location.kind = InstallLocation::Kind::systemPackage;
   return location;
 }

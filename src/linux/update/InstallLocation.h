@@ -18,8 +18,12 @@ struct InstallLocation {
   std::filesystem::path previous() const { return root / "previous"; }
 };
 
+// The per-user archive's versions, or the Debian package's own /usr/bin/orlet (as dpkg's list of
+// the package's files in `dpkgInfo` says); anything else, a copy from `cmake --install` in
+// /usr/local included, is unmanaged.
 InstallLocation locateInstall(const std::filesystem::path& executable,
-                              const std::filesystem::path& home);
+                              const std::filesystem::path& home,
+                              const std::filesystem::path& dpkgInfo = "/var/lib/dpkg/info");
 
 // The running executable and $HOME of this process.
 InstallLocation locateThisInstall();

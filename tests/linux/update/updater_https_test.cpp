@@ -259,5 +259,25 @@ TEST_F(UpdaterOverHttps, AnInstallWhoseOldVersionCannotBeRememberedIsStillInstal
   EXPECT_EQ(fs::read_symlink(location.current()), "versions/0.2.0");
 }
 
+// Only the package's own /usr/bin/orlet takes the Debian package's updates; a copy installed
+// elsewhere under /usr (cmake --install) is not offered them.
+TEST(InstallLocation, OnlyThePackagesOwnProgramIsTheSystemPackage) {
+  const fs::path info = fs::temp_directory_path() / ("orlet-dpkg-" + std::to_string(::getpid()));
+  write(info / "orlet.list", "/.\n/usr\n/usr/bin\n/usr/bin/orlet\n");
+  using Kind = linux_update::InstallLocation::Kind;
+  const struct {
+    fs::path executable, dpkgInfo;
+    Kind kind;
+  } cases[] = {
+      {"/usr/bin/orlet", info, Kind::systemPackage},
+      {"/usr/local/bin/orlet", info, Kind::unmanaged},
+      {"/usr/bin/orlet", info / "none", Kind::unmanaged},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(linux_update::locateInstall(c.executable, "/nonexistent", c.dpkgInfo).kind, c.kind)
+        << c.executable << " " << c.dpkgInfo;
+  fs::remove_all(info);
+}
+
 }  // namespace
 }  // namespace orlet
