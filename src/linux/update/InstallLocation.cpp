@@ -1,7 +1,8 @@
 #include "linux/update/InstallLocation.h"
 
+#include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <string_view>
 #include <vector>
 
 namespace orlet::linux_update {
@@ -21,23 +22,28 @@ fs::path canonicalOr(const fs::path& p) {
   return ec ? p : c;
 }
 
-bool packageOwns(const fs::path& dpkgInfo, const std::string& file) {
-  std::ifstream list(dpkgInfo / "orlet.list");
-  for (std::string line; std::getline(list, line);)
-    if (line == file) return true;
-  return false;
-}
-
 }  // namespace
 
+bool packageOwns(const fs::path& file) {
+  // The package's own list of files: a few milliseconds, asked only of /usr/bin/orlet.
+  FILE* list = ::popen("dpkg-query -L orlet 2>/dev/null", "r");
+  if (!list) return false;
+  bool owned = false;
+  char line[4096];
+  while (std::fgets(line, sizeof line, list))
+    owned = owned || std::string_view(line) == file.string() + "\n";
+  ::pclose(list);
+  return owned;
+}
+
 InstallLocation locateInstall(const fs::path& executable, const fs::path& home,
-                              const fs::path& dpkgInfo) {
+                              const std::function<bool(const fs::path&)>& ownedByPackage) {
   InstallLocation location;
   location.root = home / ".local" / "lib" / "orlet";
   const fs::path exe = canonicalOr(executable);
   if (!home.empty() && isInside(exe, canonicalOr(location.versions())))
     location.kind = InstallLocation::Kind::userArchive;
-  else if (exe == "/usr/bin/orlet" && packageOwns(dpkgInfo, exe))
+  else if (exe == "/usr/bin/orlet" && ownedByPackage(exe))
     location.kind = InstallLocation::Kind::systemPackage;
   return location;
 }

@@ -262,21 +262,16 @@ TEST_F(UpdaterOverHttps, AnInstallWhoseOldVersionCannotBeRememberedIsStillInstal
 // Only the package's own /usr/bin/orlet takes the Debian package's updates; a copy installed
 // elsewhere under /usr (cmake --install) is not offered them.
 TEST(InstallLocation, OnlyThePackagesOwnProgramIsTheSystemPackage) {
-  const fs::path info = fs::temp_directory_path() / ("orlet-dpkg-" + std::to_string(::getpid()));
-  write(info / "orlet.list", "/.\n/usr\n/usr/bin\n/usr/bin/orlet\n");
   using Kind = linux_update::InstallLocation::Kind;
-  const struct {
-    fs::path executable, dpkgInfo;
-    Kind kind;
-  } cases[] = {
-      {"/usr/bin/orlet", info, Kind::systemPackage},
-      {"/usr/local/bin/orlet", info, Kind::unmanaged},
-      {"/usr/bin/orlet", info / "none", Kind::unmanaged},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(linux_update::locateInstall(c.executable, "/nonexistent", c.dpkgInfo).kind, c.kind)
-        << c.executable << " " << c.dpkgInfo;
-  fs::remove_all(info);
+  const auto packaged = [](const fs::path& file) { return file == "/usr/bin/orlet"; };
+  const auto unpackaged = [](const fs::path&) { return false; };
+  EXPECT_EQ(linux_update::locateInstall("/usr/bin/orlet", "/nonexistent", packaged).kind,
+            Kind::systemPackage);
+  EXPECT_EQ(linux_update::locateInstall("/usr/local/bin/orlet", "/nonexistent", packaged).kind,
+            Kind::unmanaged);
+  EXPECT_EQ(linux_update::locateInstall("/usr/bin/orlet", "/nonexistent", unpackaged).kind,
+            Kind::unmanaged);
+  EXPECT_FALSE(linux_update::packageOwns("/usr/local/bin/orlet"));
 }
 
 }  // namespace
