@@ -46,9 +46,15 @@ void runProcess(QObject& context, const QString& program, const QStringList& arg
   process->closeWriteChannel();
 }
 
-// Starts `executable` on its own and ends this process once the event loop turns.
+// Starts `executable` on its own and ends this process once the event loop turns. The new one is
+// told which process it replaces, so that it waits for this one to let go of the screen.
 void startAndQuit(const fs::path& executable) {
-  if (!QProcess::startDetached(QString::fromStdString(executable.string()), {})) return;
+  QProcess successor;
+  successor.setProgram(QString::fromStdString(executable.string()));
+  auto environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("ORLET_REPLACES"), QString::number(::getpid()));
+  successor.setProcessEnvironment(environment);
+  if (!successor.startDetached()) return;
   QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
 }
 

@@ -93,8 +93,11 @@ class UpdaterOverHttps : public ::testing::Test {
 
   void makeArchive(const std::string& version, const fs::path& archive) {
     const fs::path top = dir / "build" / ("orlet-" + version + "-Linux");
-    write(top / "bin/orlet",
-          "#!/bin/sh\necho " + version + " >\"" + (dir / "started").string() + "\"\n", true);
+    // The relaunched program says which version it is and which ORLET it was told it replaces.
+    write(
+        top / "bin/orlet",
+        "#!/bin/sh\necho " + version + " $ORLET_REPLACES >\"" + (dir / "started").string() + "\"\n",
+        true);
     write(top / "share/orlet/version", version + "\n");
     sh("tar -czf " + archive.string() + " -C " + (dir / "build").string() + " " +
        top.filename().string());
@@ -157,7 +160,9 @@ TEST_F(UpdaterOverHttps, ANewerSignedVersionIsInstalledBesideTheOldOneAndRelaunc
   publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
   check();
   ASSERT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
-  ASSERT_TRUE(eventually([&] { return read(dir / "started") == "0.2.0\n"; }, 10s));
+  const std::string started = "0.2.0 " + std::to_string(::getpid()) + "\n";
+  ASSERT_TRUE(eventually([&] { return read(dir / "started") == started; }, 10s))
+      << read(dir / "started");
   EXPECT_EQ(fs::read_symlink(location.current()), "versions/0.2.0");
   EXPECT_EQ(fs::read_symlink(location.previous()), "versions/0.1.0");
   EXPECT_TRUE(fs::exists(location.versions() / "0.1.0/bin/orlet")) << "kept until confirmed";
