@@ -74,7 +74,11 @@ void SoftwareUpdater::download() {
   present(texts::downloading(0, item_->length), {}, [this] { finish(); });
   const auto progress = lifetime_.guard([this](std::uint64_t received, std::uint64_t total) {
     if (screen_.step != UpdateScreen::Step::downloading) return;
-    present(texts::downloading(received, total ? total : item_->length), {}, [this] { finish(); });
+    // A server announcing another length is not sending the archive the feed describes.
+    if (total && total != item_->length)
+      return fail(texts::downloadFailed("le serveur annonce " + std::to_string(total) +
+                                        " octets au lieu de " + std::to_string(item_->length)));
+    present(texts::downloading(received, item_->length), {}, [this] { finish(); });
   });
   request_ =
       p_.http.get(item_->url, item_->length, progress,

@@ -160,6 +160,15 @@ TEST_F(UpdaterTest, UnreachableFeedFailedDownloadAndFailedInstallSayWhy) {
   EXPECT_FALSE(installer.installed);
   driver.press("OK");
 
+  // A server that announces another length is stopped at once.
+  updater.checkForUpdates();
+  http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
+  driver.press("Installer");
+  http.requests.back().progress(10, archive.size() + 1);
+  EXPECT_TRUE(http.requests.back().cancelled);
+  EXPECT_NE(driver.screen.message.find("le serveur annonce"), std::string::npos);
+  driver.press("OK");
+
   installer.failure = "disque plein";
   run(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
   EXPECT_EQ(driver.screen.step, Step::failed);

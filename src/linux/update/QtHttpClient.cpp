@@ -73,7 +73,7 @@ Subscription QtHttpClient::get(const std::string& url, std::uint64_t maxBytes, P
   QObject::connect(reply, &QNetworkReply::finished, reply, [reply, done] {
     reply->deleteLater();
     const QString why = reply->property(stoppedBecause).toString();
-    if (why == QLatin1String(cancelled)) return;
+    if (why == QString::fromUtf8(cancelled)) return;
     if (!why.isEmpty()) return done({{}, why.toStdString()});
     HttpResult result;
     result.error = failure(*reply);
@@ -83,8 +83,9 @@ Subscription QtHttpClient::get(const std::string& url, std::uint64_t maxBytes, P
     }
     done(std::move(result));
   });
+  // A reply that has just finished may still have its completion queued: it is marked too.
   return Subscription([reply] {
-    if (reply && reply->isRunning()) stop(*reply, cancelled);
+    if (reply) stop(*reply, cancelled);
   });
 }
 

@@ -202,7 +202,7 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
       {"tampered archive", [&] { publish(good), tamper(); }, "signature de la mise à jour"},
       {"wrong length",
        [&] { publish(good, replace("length=\"" + length, "length=\"" + length + "1")); },
-       "n'a pas la taille annoncée"},
+       "le serveur annonce"},
       {"missing signature", [&] { publish(good, replace("sparkle:edSignature=", "x=")); },
        "n'est pas signée"},
       {"foreign signature", [&] { publish(good, {}, strangerKey); }, "signature de la mise à jour"},
@@ -212,6 +212,11 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
        [&] {
          publish(good,
                  replace("length=\"" + length, "length=\"" + std::to_string(genuine.size() - 100)));
+       },
+       "le serveur annonce"},
+      {"feed of more than a megabyte",
+       [&] {
+         publish(good, replace("</channel>", "</channel><!--" + std::string(3 << 19, '.') + "-->"));
        },
        "plus longue que la taille annoncée"},
       {"stalled server", [&] { publish(good, replace(base + "/", base + "/stall/")); },
