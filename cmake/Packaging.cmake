@@ -33,6 +33,21 @@ install(FILES ${ORLET_GENERATED}/orlet.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/
 install(FILES ${ORLET_GENERATED}/version DESTINATION ${CMAKE_INSTALL_DATADIR}/orlet)
 install(PROGRAMS ${ORLET_PACKAGING}/install-user.sh DESTINATION ${CMAKE_INSTALL_DATADIR}/orlet)
 
+# The signed apt repository the Debian package takes its new versions from (scripts/release.sh
+# apt): its address and the publisher's key as a binary keyring (scripts/release.sh apt-key). The
+# package installs the key and, from its postinst, the sources entry that names it (signed-by).
+set(ORLET_APT_REPOSITORY "" CACHE STRING "Address of the signed apt repository of releases")
+set(ORLET_APT_KEYRING "" CACHE FILEPATH "Binary OpenPGP keyring of that repository's key")
+if(ORLET_APT_REPOSITORY AND ORLET_APT_KEYRING)
+  configure_file(${ORLET_PACKAGING}/orlet.sources.in ${ORLET_GENERATED}/orlet.sources @ONLY)
+  install(FILES ${ORLET_GENERATED}/orlet.sources DESTINATION ${CMAKE_INSTALL_DATADIR}/orlet/apt)
+  install(FILES ${ORLET_APT_KEYRING} DESTINATION ${CMAKE_INSTALL_DATADIR}/keyrings
+    RENAME orlet-archive-keyring.gpg)
+  set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${ORLET_PACKAGING}/postinst ${ORLET_PACKAGING}/postrm)
+elseif(ORLET_APT_REPOSITORY OR ORLET_APT_KEYRING)
+  message(FATAL_ERROR "ORLET_APT_REPOSITORY and ORLET_APT_KEYRING go together")
+endif()
+
 set(CPACK_PACKAGE_NAME orlet)
 set(CPACK_PACKAGE_VENDOR "ORLET")
 set(CPACK_PACKAGE_CONTACT "ORLET developers <orlet@orlet.fr>")

@@ -24,8 +24,9 @@ packages=(
   libgtest-dev libgmock-dev python3 openssl libxcb-res0-dev
   # fuzzing: clang with libFuzzer
   clang libclang-rt-14-dev
-  # packages: dependencies of the .deb (dpkg-shlibdeps), and their checks
-  dpkg-dev lintian desktop-file-utils appstream
+  # packages: dependencies of the .deb (dpkg-shlibdeps), and their checks; the signed apt
+  # repository of a release (apt-ftparchive, gpg)
+  dpkg-dev lintian desktop-file-utils appstream apt-utils gpg
   # the virtual X session: Xorg with the dummy driver, xrandr, a window manager, a tray host,
   # tools the integration tests drive it with, and fonts and icons for what is drawn
   xserver-xorg-core libgl1-mesa-dri xserver-xorg-video-dummy x11-xserver-utils x11-utils x11-apps openbox trayer

@@ -9,10 +9,20 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=${1:-build-package}
+# The release channel, given in the environment: the update feed and its Ed25519 key, the signed
+# apt repository and its keyring (see README, "Updates"). Without them the packages say that they
+# have no update channel.
+channel=()
+for setting in ORLET_UPDATE_FEED_URL ORLET_UPDATE_PUBLIC_KEY ORLET_APT_REPOSITORY ORLET_APT_KEYRING; do
+  [[ -n ${!setting:-} ]] && channel+=("-D$setting=${!setting}")
+done
 if [[ ! -f $build/CMakeCache.txt ]]; then
   CFLAGS=$(dpkg-buildflags --get CFLAGS) CXXFLAGS="$(dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)" \
     LDFLAGS=$(dpkg-buildflags --get LDFLAGS) \
-    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DORLET_BUILD_TESTS=OFF -DORLET_BUILD_BENCH=OFF
+    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DORLET_BUILD_TESTS=OFF -DORLET_BUILD_BENCH=OFF \
+    ${channel[@]+"${channel[@]}"}
+elif ((${#channel[@]})); then
+  cmake -S . -B "$build" "${channel[@]}" >/dev/null
 fi
 cmake --build "$build" -j"$(nproc)" --target orlet orlet_docs
 (cd "$build" && cpack -G "DEB;TGZ" >/dev/null)

@@ -247,12 +247,25 @@ void describeInAutostart(Adapters& a) {
   a.editorDescription = a.editorChoice.observe(describe);
 }
 
+// After an update the new ORLET starts while the old one is still quitting: it waits for that
+// one (named by ORLET_REPLACES, which the relaunch sets) to let go of the screen.
+std::unique_ptr<x11::InstanceLock> acquireScreen(const x11::XConnection& x,
+                                                 x11::InstanceLock::Holder& holder) {
+  const char* replaces = std::getenv("ORLET_REPLACES");
+  const pid_t predecessor = replaces ? static_cast<pid_t>(std::atol(replaces)) : 0;
+  unsetenv("ORLET_REPLACES");  // not for the programs ORLET starts
+  if (predecessor <= 0) return x11::InstanceLock::acquire(x, &holder);
+  return x11::InstanceLock::acquireAfter(x, predecessor, std::chrono::seconds(10), &holder, [=] {
+    std::cerr << "orlet: waiting for ORLET (process " << predecessor << ") to quit" << std::endl;
+  });
+}
+
 int run(QApplication& qt, int screen, const Options& options) {
   auto* native = qt.nativeInterface<QNativeInterface::QX11Application>();
   auto x = native ? x11::XConnection::borrow(native->connection(), screen) : nullptr;
   if (!x) return fail("aucun écran X (la connexion X est inutilisable)");
   x11::InstanceLock::Holder holder;
-  const auto instance = x11::InstanceLock::acquire(*x, &holder);
+  const auto instance = acquireScreen(*x, holder);
   if (!instance) return fail(alreadyRunning(holder));
   Adapters adapters(std::move(x));
   qt.installNativeEventFilter(&adapters.filter);

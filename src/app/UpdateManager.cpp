@@ -4,17 +4,26 @@
 
 namespace orlet {
 
-UpdateManager::UpdateManager(Ports ports) : p_(std::move(ports)), monitor_(p_.makeMonitor()) {}
+UpdateManager::UpdateManager(Ports ports) : p_(std::move(ports)), monitor_(p_.makeMonitor()) {
+  relay_->scheduler = &p_.scheduler;
+}
+
+UpdateManager::~UpdateManager() {
+  std::lock_guard lock(relay_->mutex);
+  relay_->scheduler = nullptr;
+}
 
 void UpdateManager::checkForUpdates() {
   auto monitor = p_.makeMonitor();
-  // The handler holds its monitor strongly and the manager weakly; the first report cancels the
-  // monitor, so only that one counts.
-  monitor->start([monitor, weak = std::weak_ptr<char>(token_), this,
-                  &scheduler = p_.scheduler](PathStatus status) {
+  // The handler holds its monitor and the relay; the first report cancels the monitor, so only
+  // that one counts.
+  monitor->start([monitor, relay = relay_, this](PathStatus status) {
     monitor->cancel();
-    scheduler.async([weak, this, status] {
-      if (!weak.expired()) onPath(status);
+    std::lock_guard lock(relay->mutex);
+    if (!relay->scheduler) return;
+    relay->scheduler->async([relay, this, status] {
+      // On the main thread, where the manager is destroyed: no other thread clears it now.
+      if (relay->scheduler) onPath(status);
     });
   });
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 
 #include "app/SharedInstance.h"
 #include "foundation/Lifetime.h"
@@ -25,6 +26,7 @@ class UpdateManager {
   };
 
   explicit UpdateManager(Ports ports);
+  ~UpdateManager();
   UpdateManager(const UpdateManager&) = delete;
   UpdateManager& operator=(const UpdateManager&) = delete;
 
@@ -44,8 +46,13 @@ class UpdateManager {
   // Kept, as the framework's manager keeps one, though every check makes its own.
   std::shared_ptr<NetworkPathMonitor> monitor_;
   std::unique_ptr<UpdaterController> updaterController_;
-  // Reports come from another thread: the weak hold is checked again on the main thread.
-  std::shared_ptr<char> token_ = std::make_shared<char>();
+  // Reports come from a thread that may outlive the manager (a route dump still under way at
+  // quit): they reach the scheduler only through this relay, which the manager closes as it goes.
+  struct Relay {
+    std::mutex mutex;
+    Scheduler* scheduler = nullptr;
+  };
+  std::shared_ptr<Relay> relay_ = std::make_shared<Relay>();
 };
 
 }  // namespace orlet

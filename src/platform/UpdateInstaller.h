@@ -18,6 +18,10 @@ class UpdateInstaller {
   // it cannot update (a build folder).
   virtual std::string archiveType() const = 0;
 
+  // False where the system's package manager brings new versions (a Debian package): the check
+  // then only says that one exists and installs nothing itself.
+  virtual bool installsItself() const { return true; }
+
   // Installs `archive` as `version`; `done` gets nullopt on success or what went wrong, on the
   // main thread.
   virtual void install(std::string_view archive, const std::string& version,

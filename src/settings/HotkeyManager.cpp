@@ -2,20 +2,16 @@
 
 #include "foundation/UpperCase.h"
 #include "settings/ShortcutDefaults.h"
+#include "settings/ShortcutNames.h"
 
 namespace orlet {
 namespace {
 
-// Every piece between two "+", upper-cased; empty pieces stay, as the empty name.
+// The saved names, upper-cased; an empty name stays, and names no key.
 std::set<std::string> splitNames(const std::string& joined) {
   std::set<std::string> names;
-  std::size_t start = 0;
-  for (;;) {
-    const auto plus = joined.find('+', start);
-    names.insert(upperCased(joined.substr(start, plus - start)));
-    if (plus == std::string::npos) return names;
-    start = plus + 1;
-  }
+  for (const auto& name : splitKeyNames(joined)) names.insert(upperCased(name));
+  return names;
 }
 
 }  // namespace
@@ -27,6 +23,13 @@ void HotkeyManager::registerHotkey() {
   savedModifiers_ = ports_->defaults.integer(shortcut_defaults::modifiers);
   if (chars.empty()) return;
   savedChars_ = splitNames(chars);
+  // A name lost in the text (an old "++A" for keypad plus and A) would leave the other keys
+  // grabbed from every application for a shortcut that can never fire.
+  if (savedChars_.count("")) {
+    ports_->out << "orlet: the saved shortcut \"" << chars
+                << "\" names a key that cannot be read; it is not set" << std::endl;
+    return;
+  }
   pressedChars_.clear();
   triggered_ = false;
   auto swallowed = ports_->hook.swallow(savedChars_, savedModifiers_);

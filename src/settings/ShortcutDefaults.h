@@ -2,7 +2,7 @@
 
 namespace orlet::shortcut_defaults {
 
-// The saved shortcut: its key names sorted and joined by "+", and its modifier mask.
+// The saved shortcut: its key names sorted and joined (joinKeyNames), and its modifier mask.
 inline constexpr char chars[] = "hotkeyChars";
 inline constexpr char modifiers[] = "hotkeyModifiers";
 

@@ -5,6 +5,7 @@
 
 #include "foundation/UpperCase.h"
 #include "settings/ShortcutDefaults.h"
+#include "settings/ShortcutNames.h"
 
 namespace orlet {
 namespace {
@@ -34,22 +35,11 @@ bool noModifierHeld(const KeyEvent& event) {
   return (event.modifiers & allModifiers) == 0;
 }
 
+// What the recorder button reads: each name as it is, joined by "+".
 std::string joined(const std::set<std::string>& names) {
   std::string out;
   for (const auto& name : names) out += (out.empty() ? "" : "+") + name;
   return out;
-}
-
-std::set<std::string> splitNames(const std::string& joinedNames) {
-  std::set<std::string> names;
-  if (joinedNames.empty()) return names;
-  std::size_t start = 0;
-  for (;;) {
-    const auto plus = joinedNames.find('+', start);
-    names.insert(joinedNames.substr(start, plus - start));
-    if (plus == std::string::npos) return names;
-    start = plus + 1;
-  }
 }
 
 }  // namespace
@@ -101,7 +91,7 @@ void ShortcutRecorderManager::saveToDefaults() {
 }
 
 void ShortcutRecorderManager::loadFromDefaults() {
-  currentChars.set(splitNames(ports_.defaults.string(shortcut_defaults::chars).value_or("")));
+  currentChars.set(splitKeyNames(ports_.defaults.string(shortcut_defaults::chars).value_or("")));
   currentModifiers.set(ports_.defaults.integer(shortcut_defaults::modifiers));
   errorMessage.set("");
   if (!*isRecording) sayWhetherTaken();
@@ -126,7 +116,7 @@ std::string ShortcutRecorderManager::displayText() const {
 }
 
 void ShortcutRecorderManager::writeDefaults() {
-  ports_.defaults.set(shortcut_defaults::chars, joined(*currentChars));
+  ports_.defaults.set(shortcut_defaults::chars, joinKeyNames(*currentChars));
   ports_.defaults.set(shortcut_defaults::modifiers, *currentModifiers);
 }
 

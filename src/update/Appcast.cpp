@@ -18,8 +18,9 @@ namespace {
 
 constexpr char sparkle[] = "http://www.andymatuschak.org/xml-namespaces/sparkle|";
 constexpr std::size_t maxVersionLength = 64;
-// Far above any release of ours; a larger length is a broken feed, not an archive.
-constexpr std::uint64_t maxArchiveLength = 1ull << 32;
+// Ten times any release of ours; a larger length is a broken feed, not an archive. The download
+// is held in memory, up to the length its item announces, until it is verified.
+constexpr std::uint64_t maxArchiveLength = 256ull << 20;
 
 std::string trimmed(std::string_view s) {
   const auto space = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };

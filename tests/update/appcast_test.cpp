@@ -68,6 +68,8 @@ TEST(AppcastParsing, RejectsMalformedItemsWholeAndKeepsTheOthers) {
       {"zero length", item(version, R"(url="https://e.org/a" length="0" type="t")")},
       {"negative length", item(version, R"(url="https://e.org/a" length="-5" type="t")")},
       {"length with a unit", item(version, R"(url="https://e.org/a" length="5kB" type="t")")},
+      {"longer than any archive of ours",
+       item(version, R"(url="https://e.org/a" length="268435457" type="t")")},
       {"huge length",
        item(version, R"(url="https://e.org/a" length="99999999999999999999" type="t")")},
       {"no type", item(version, R"(url="https://e.org/a" length="5")")},

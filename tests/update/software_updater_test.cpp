@@ -78,12 +78,14 @@ TEST_F(UpdaterTest, ANewerSignedReleaseIsOfferedDownloadedVerifiedInstalledAndRe
   updater.checkForUpdates();
   EXPECT_EQ(driver.screen.step, Step::checking);
   EXPECT_EQ(http.requests.at(0).url, "https://updates.example/appcast.xml");
+  EXPECT_EQ(http.requests.at(0).maxBytes, 1u << 20) << "a feed is small";
   http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
   EXPECT_EQ(driver.screen.step, Step::available);
   EXPECT_NE(driver.screen.message.find("ORLET 1.2 est disponible"), std::string::npos);
   EXPECT_EQ(driver.screen.releaseNotes, "Nouveautés");
   driver.press("Installer");
   EXPECT_EQ(http.requests.at(1).url, "https://updates.example/orlet-1.2.tar.gz");
+  EXPECT_EQ(http.requests.at(1).maxBytes, archive.size()) << "no byte beyond the announced length";
   http.requests[1].progress(archive.size() / 2, archive.size());
   EXPECT_EQ(driver.screen.step, Step::downloading);
   EXPECT_NEAR(driver.screen.progress, 0.5, 0.05);
@@ -158,6 +160,15 @@ TEST_F(UpdaterTest, UnreachableFeedFailedDownloadAndFailedInstallSayWhy) {
   EXPECT_FALSE(installer.installed);
   driver.press("OK");
 
+  // A server that announces another length is stopped at once.
+  updater.checkForUpdates();
+  http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
+  driver.press("Installer");
+  http.requests.back().progress(10, archive.size() + 1);
+  EXPECT_TRUE(http.requests.back().cancelled);
+  EXPECT_NE(driver.screen.message.find("le serveur annonce"), std::string::npos);
+  driver.press("OK");
+
   installer.failure = "disque plein";
   run(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
   EXPECT_EQ(driver.screen.step, Step::failed);
@@ -186,7 +197,7 @@ TEST_F(UpdaterTest, WithoutAKeyOrOutsideAnInstallationNothingIsInstalled) {
   driver.press("Installer");
   http.answer(archive);
   scheduler.runUntilIdle();
-  EXPECT_NE(driver.screen.message.find("SUPublicEDKey"), std::string::npos);
+  EXPECT_NE(driver.screen.message.find("sans clé de vérification"), std::string::npos);
   EXPECT_FALSE(installer.installed);
   driver.press("OK");
 
@@ -194,6 +205,47 @@ TEST_F(UpdaterTest, WithoutAKeyOrOutsideAnInstallationNothingIsInstalled) {
   updater.checkForUpdates();
   EXPECT_EQ(driver.screen.step, Step::failed);
   EXPECT_TRUE(http.requests.size() == 2u) << "a copy that cannot be updated fetches nothing";
+}
+
+// A copy built without a channel says so in the operator's words; a Debian package's copy is
+// brought new versions by the system's updates and never installs one itself.
+TEST_F(UpdaterTest, WithoutAChannelOrAsADebianPackageItSaysSoInPlainWords) {
+  SoftwareUpdater channelless{{http, driver, installer, scheduler},
+                              {"", publisher.publicKey(), "1.1", "12"}};
+  channelless.checkForUpdates();
+  EXPECT_EQ(driver.screen.step, Step::failed);
+  EXPECT_NE(driver.screen.message.find("sans canal de mise à jour"), std::string::npos);
+  EXPECT_EQ(driver.screen.message.find("SU"), std::string::npos) << driver.screen.message;
+  driver.press("OK");
+
+  installer.fromSystem = true;
+  SoftwareUpdater channellessDeb{{http, driver, installer, scheduler},
+                                 {"", publisher.publicKey(), "1.1", "12"}};
+  channellessDeb.checkForUpdates();
+  EXPECT_NE(driver.screen.message.find("mises à jour du système"), std::string::npos);
+  driver.press("OK");
+
+  installer.type = "application/gzip";  // what the feed's items carry here
+  updater.checkForUpdates();
+  http.answer(feedOf("1.2", enclosure(archive.size(), publisher.sign(archive))));
+  EXPECT_EQ(driver.screen.step, Step::available);
+  EXPECT_NE(driver.screen.message.find("mises à jour du système"), std::string::npos);
+  EXPECT_EQ(driver.screen.primaryButton, "") << "nothing to install from here";
+  EXPECT_EQ(http.requests.size(), 1u);
+  EXPECT_FALSE(installer.installed);
+}
+
+// Any program of the operator's can write the settings file: it may point at another feed, never
+// replace the key that decides what is trusted.
+TEST(UpdaterSettings, TheSettingsFileNamesAFeedButNeverTheKey) {
+  MemoryDefaultsStore store;
+  UserDefaults defaults(store);
+  defaults.set("SUFeedURL", "https://staging.example/appcast.xml");
+  defaults.set("SUPublicEDKey", "QUJD");
+  const auto settings =
+      withOverrides({"https://updates.example/appcast.xml", "built-in", "1.1", ""}, defaults);
+  EXPECT_EQ(settings.feedUrl, "https://staging.example/appcast.xml");
+  EXPECT_EQ(settings.publicKey, "built-in");
 }
 
 }  // namespace

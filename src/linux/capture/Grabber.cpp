@@ -5,9 +5,11 @@
 #include <xcb/damage.h>
 #include <xcb/randr.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "capture/PixelRect.h"
@@ -100,8 +102,12 @@ std::optional<CaptureError> Grabber::setUp() {
       return CaptureError{*failure};
     }
   }
-  const bool useShm = SharedMemory::supported(*connection_);
-  if (!useShm) std::fprintf(stderr, "ORLET: no MIT-SHM 1.2 on this X server; using GetImage\n");
+  std::string why;
+  const bool useShm = SharedMemory::usable(*connection_, why);
+  // Said once: every stream of the session would find the same.
+  static std::atomic<bool> told{false};
+  if (!useShm && !told.exchange(true))
+    std::fprintf(stderr, "ORLET: %s; using GetImage\n", why.c_str());
   reader_ = std::make_unique<PixelReader>(*connection_, useShm, settings_.memory);
   if (auto failure = locate(true)) return CaptureError{*failure};
   setUpDamage();

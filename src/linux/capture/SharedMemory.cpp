@@ -8,12 +8,18 @@
 
 namespace orlet::linux_capture {
 
-bool SharedMemory::supported(const XcbConnection& connection) {
+bool SharedMemory::usable(const XcbConnection& connection, std::string& why) {
+  why = "no MIT-SHM 1.2 on this X server";
   if (!connection.hasExtension(&xcb_shm_id)) return false;
   Reply<xcb_shm_query_version_reply_t> version(xcb_shm_query_version_reply(
       connection.get(), xcb_shm_query_version(connection.get()), nullptr));
   // Passing a file descriptor (AttachFd) came with 1.2.
-  return version && (version->major_version > 1 || version->minor_version >= 2);
+  if (!version || (version->major_version == 1 && version->minor_version < 2)) return false;
+  std::string error;
+  const auto probe = create(connection, static_cast<std::size_t>(sysconf(_SC_PAGESIZE)), error);
+  if (probe) return true;
+  why = "MIT-SHM cannot be used on this connection (" + error + ")";
+  return false;
 }
 
 std::optional<xcb_shm_seg_t> SharedMemory::attachNew(const XcbConnection& connection,

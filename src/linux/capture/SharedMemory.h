@@ -17,8 +17,10 @@ namespace orlet::linux_capture {
 // server's attachment ends with detach() or with the connection.
 class SharedMemory {
  public:
-  // Whether the server can attach our memory: MIT-SHM 1.2 or later, on a local connection.
-  static bool supported(const XcbConnection& connection);
+  // Whether the server can attach our memory: MIT-SHM 1.2 or later, and a connection that can
+  // pass it a descriptor (not TCP, as with DISPLAY=host:N or ssh -X), which one attachment of a
+  // page proves. When not, `why` says so.
+  static bool usable(const XcbConnection& connection, std::string& why);
 
   // A zeroed segment of `size` bytes attached to the server; null with `error` set otherwise.
   static std::unique_ptr<SharedMemory> create(const XcbConnection& connection, std::size_t size,

@@ -14,6 +14,28 @@ QSettingsStore::QSettingsStore(std::ostream& diagnostics, const QString& path)
   // the file in place, where a crash halfway leaves half a file.
   settings_->setAtomicSyncRequired(true);
   removeEmptyLock(settings_->fileName() + ".lock");
+  if (settings_->status() == QSettings::FormatError) recoverReadableValues();
+}
+
+// QSettings keeps the values it could read from a file with a malformed line, but then refuses
+// to write that file for good. The file is set aside, and a new one holds what could be read.
+void QSettingsStore::recoverReadableValues() {
+  const QString file = settings_->fileName();
+  const QString aside = file + QStringLiteral(".illisible");
+  QMap<QString, QVariant> readable;
+  for (const auto& key : settings_->allKeys()) readable.insert(key, settings_->value(key));
+  QFile::remove(aside);
+  QFile::rename(file, aside);
+  auto fresh = std::make_unique<QSettings>(file, QSettings::IniFormat);
+  fresh->setAtomicSyncRequired(true);
+  for (auto it = readable.cbegin(); it != readable.cend(); ++it) fresh->setValue(it.key(), *it);
+  fresh->sync();
+  settings_ = std::move(fresh);
+  diagnostics_ << "orlet: " << file.toStdString()
+               << " has a malformed line (a section name without its closing ']' or a line "
+                  "that is not key=value); the "
+               << readable.size() << " settings that could be read are kept and saved again, "
+               << "the file as it was is kept as " << aside.toStdString() << std::endl;
 }
 
 // QSettings takes a lock file for each write. A writer killed between creating that file and

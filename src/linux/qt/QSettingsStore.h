@@ -15,7 +15,9 @@ namespace orlet::linux_qt {
 // then renamed over it, so a crash or a power cut leaves either the old file or the new one,
 // never a mix. When the file or its folder cannot be written, the old file stays as it was, the
 // values are kept in memory for this session and written with the next change that can be, and
-// `diagnostics` is told once (and again once writing works again).
+// `diagnostics` is told once (and again once writing works again). A file with a malformed line
+// keeps the values that could be read, is saved again without that line, and `diagnostics` is
+// told once.
 class QSettingsStore final : public DefaultsStore {
  public:
   // `path` empty: the standard location for this organisation and application.
@@ -31,6 +33,7 @@ class QSettingsStore final : public DefaultsStore {
 
  private:
   static void removeEmptyLock(const QString& lockPath);
+  void recoverReadableValues();
   void write();
   void report(bool failed);
 

@@ -1,6 +1,8 @@
 #include "linux/update/InstallLocation.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <string_view>
 #include <vector>
 
 namespace orlet::linux_update {
@@ -22,13 +24,26 @@ fs::path canonicalOr(const fs::path& p) {
 
 }  // namespace
 
-InstallLocation locateInstall(const fs::path& executable, const fs::path& home) {
+bool packageOwns(const fs::path& file) {
+  // The package's own list of files: a few milliseconds, asked only of /usr/bin/orlet.
+  FILE* list = ::popen("dpkg-query -L orlet 2>/dev/null", "r");
+  if (!list) return false;
+  bool owned = false;
+  char line[4096];
+  while (std::fgets(line, sizeof line, list))
+    owned = owned || std::string_view(line) == file.string() + "\n";
+  ::pclose(list);
+  return owned;
+}
+
+InstallLocation locateInstall(const fs::path& executable, const fs::path& home,
+                              const std::function<bool(const fs::path&)>& ownedByPackage) {
   InstallLocation location;
   location.root = home / ".local" / "lib" / "orlet";
   const fs::path exe = canonicalOr(executable);
   if (!home.empty() && isInside(exe, canonicalOr(location.versions())))
     location.kind = InstallLocation::Kind::userArchive;
-  else if (isInside(exe, "/usr"))
+  else if (exe == "/usr/bin/orlet" && ownedByPackage(exe))
     location.kind = InstallLocation::Kind::systemPackage;
   return location;
 }

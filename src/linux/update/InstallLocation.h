@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace orlet::linux_update {
@@ -18,8 +19,14 @@ struct InstallLocation {
   std::filesystem::path previous() const { return root / "previous"; }
 };
 
-InstallLocation locateInstall(const std::filesystem::path& executable,
-                              const std::filesystem::path& home);
+// Whether the Debian package orlet owns `file`, as dpkg says.
+bool packageOwns(const std::filesystem::path& file);
+
+// The per-user archive's versions, or the Debian package's own /usr/bin/orlet (as `ownedByPackage`
+// says); anything else, a copy from `cmake --install` in /usr/local included, is unmanaged.
+InstallLocation locateInstall(
+    const std::filesystem::path& executable, const std::filesystem::path& home,
+    const std::function<bool(const std::filesystem::path&)>& ownedByPackage = packageOwns);
 
 // The running executable and $HOME of this process.
 InstallLocation locateThisInstall();

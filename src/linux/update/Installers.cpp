@@ -4,8 +4,8 @@
 
 #include <QCoreApplication>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTimer>
+#include <cstdio>
 #include <fstream>
 
 namespace orlet::linux_update {
@@ -14,17 +14,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::optional<std::string> writeFile(const fs::path& path, std::string_view bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  out.close();
-  if (!out) return "impossible d'écrire " + path.string();
-  return std::nullopt;
+std::string readSmallFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::string text(64, '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(in.gcount()));
+  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+  return text;
 }
 
-// Runs `program` without blocking; `done` gets its failure in words, or nullopt.
+// Runs `program` without blocking, `input` on its standard input; `done` gets its failure in
+// words, or nullopt.
 void runProcess(QObject& context, const QString& program, const QStringList& arguments,
-                std::function<void(std::optional<std::string>)> done) {
+                std::string_view input, std::function<void(std::optional<std::string>)> done) {
   auto* process = new QProcess(&context);
   process->setProcessChannelMode(QProcess::ForwardedChannels);
   QObject::connect(process, &QProcess::finished, process,
@@ -40,11 +42,19 @@ void runProcess(QObject& context, const QString& program, const QStringList& arg
                      done(program.toStdString() + " ne peut pas être lancé");
                    });
   process->start(program, arguments);
+  process->write(input.data(), static_cast<qint64>(input.size()));
+  process->closeWriteChannel();
 }
 
-// Starts `executable` on its own and ends this process once the event loop turns.
+// Starts `executable` on its own and ends this process once the event loop turns. The new one is
+// told which process it replaces, so that it waits for this one to let go of the screen.
 void startAndQuit(const fs::path& executable) {
-  if (!QProcess::startDetached(QString::fromStdString(executable.string()), {})) return;
+  QProcess successor;
+  successor.setProgram(QString::fromStdString(executable.string()));
+  auto environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("ORLET_REPLACES"), QString::number(::getpid()));
+  successor.setProcessEnvironment(environment);
+  if (!successor.startDetached()) return;
   QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
 }
 
@@ -62,18 +72,17 @@ void UserArchiveInstaller::install(std::string_view archive, const std::string& 
                                    std::function<void(std::optional<std::string>)> done) {
   std::error_code ec;
   const fs::path staging = location_.versions() / (".incoming-" + version);
-  const fs::path file = location_.versions() / (".incoming-" + version + ".tar.gz");
   fs::remove_all(staging, ec);
   fs::create_directories(staging, ec);
   if (ec) return done("impossible de créer " + staging.string());
-  if (auto error = writeFile(file, archive)) return done(error);
+  // tar reads the very bytes that were verified, from its standard input: there is no file in
+  // between that anything else could replace.
   runProcess(context_, QStringLiteral("tar"),
-             {QStringLiteral("-xzf"), QString::fromStdString(file.string()), QStringLiteral("-C"),
+             {QStringLiteral("-xzf"), QStringLiteral("-"), QStringLiteral("-C"),
               QString::fromStdString(staging.string()), QStringLiteral("--strip-components=1"),
               QStringLiteral("--no-same-owner")},
-             [this, version, staging, file, done](std::optional<std::string> error) {
+             archive, [this, version, staging, done](std::optional<std::string> error) {
                std::error_code ignored;
-               fs::remove(file, ignored);
                if (!error) error = putInPlace(version);
                if (error) fs::remove_all(staging, ignored);
                done(error);
@@ -85,9 +94,15 @@ std::optional<std::string> UserArchiveInstaller::putInPlace(const std::string& v
   const fs::path target = location_.versions() / version;
   if (::access((staging / "bin" / "orlet").c_str(), X_OK) != 0)
     return std::string("l'archive ne contient pas bin/orlet");
+  // The signature covers the bytes, not the feed's version: an old signed release offered under
+  // a new number is caught by the version it carries itself.
+  const std::string carried = readSmallFile(staging / "share" / "orlet" / "version");
+  if (carried != version)
+    return "l'archive contient la version « " + carried + " » et non la version " + version +
+           " annoncée : elle a été refusée";
+  std::error_code ec;
+  const fs::path old = fs::read_symlink(location_.current(), ec);
   try {
-    std::error_code ec;
-    const fs::path old = fs::read_symlink(location_.current(), ec);
     // Installed earlier and not relaunched since: it only waits for the relaunch.
     if (fs::canonical(location_.current(), ec) == fs::weakly_canonical(target)) {
       fs::remove_all(staging);
@@ -96,34 +111,21 @@ std::optional<std::string> UserArchiveInstaller::putInPlace(const std::string& v
     fs::remove_all(target);
     fs::rename(staging, target);
     switchLink(location_.current(), fs::path("versions") / version);
-    if (!old.empty()) switchLink(location_.previous(), old);
-    return std::nullopt;
   } catch (const fs::filesystem_error& error) {
     return std::string(error.what());
   }
+  // From here the new version is what starts: a failure to remember the old one only keeps it
+  // on disk, it does not undo the installation.
+  try {
+    if (!old.empty()) switchLink(location_.previous(), old);
+  } catch (const fs::filesystem_error& error) {
+    std::fprintf(stderr, "ORLET : l'ancienne version reste sur le disque (%s)\n", error.what());
+  }
+  return std::nullopt;
 }
 
 void UserArchiveInstaller::relaunch() {
   startAndQuit(location_.current() / "bin" / "orlet");
-}
-
-void SystemPackageInstaller::install(std::string_view archive, const std::string& version,
-                                     std::function<void(std::optional<std::string>)> done) {
-  const fs::path dir = QStandardPaths::writableLocation(QStandardPaths::TempLocation).toStdString();
-  const fs::path file = dir / ("orlet-" + version + "-" + std::to_string(::getpid()) + ".deb");
-  if (auto error = writeFile(file, archive)) return done(error);
-  runProcess(context_, QStringLiteral("pkexec"),
-             {QStringLiteral("apt-get"), QStringLiteral("install"), QStringLiteral("-y"),
-              QString::fromStdString(file.string())},
-             [file, done](std::optional<std::string> error) {
-               std::error_code ignored;
-               fs::remove(file, ignored);
-               done(error);
-             });
-}
-
-void SystemPackageInstaller::relaunch() {
-  startAndQuit("/usr/bin/orlet");
 }
 
 std::unique_ptr<UpdateInstaller> makeInstaller(const InstallLocation& location) {

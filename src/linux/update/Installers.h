@@ -27,17 +27,17 @@ class UserArchiveInstaller final : public UpdateInstaller {
   QObject context_;
 };
 
-// A Debian package: handed to the system's package installer (pkexec apt-get), which asks for
-// the administrator's consent.
+// The Debian package: apt brings its new versions, from the publisher's signed repository that
+// the package itself declares, and checks them as root. The check only says that one exists.
 class SystemPackageInstaller final : public UpdateInstaller {
  public:
   std::string archiveType() const override { return "application/vnd.debian.binary-package"; }
-  void install(std::string_view archive, const std::string& version,
-               std::function<void(std::optional<std::string>)> done) override;
-  void relaunch() override;
-
- private:
-  QObject context_;
+  bool installsItself() const override { return false; }
+  void install(std::string_view, const std::string&,
+               std::function<void(std::optional<std::string>)> done) override {
+    done("les mises à jour du système installent ce paquet");
+  }
+  void relaunch() override {}
 };
 
 // A build folder or an unknown place: nothing to update.

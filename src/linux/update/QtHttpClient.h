@@ -12,17 +12,17 @@ namespace orlet::linux_update {
 // refused. `extraAuthorities` are trusted beside the system's (empty in the product).
 class QtHttpClient final : public HttpClient {
  public:
-  explicit QtHttpClient(QList<QSslCertificate> extraAuthorities = {});
+  // A transfer that receives nothing for `transferTimeoutMs` fails.
+  explicit QtHttpClient(QList<QSslCertificate> extraAuthorities = {},
+                        int transferTimeoutMs = 30000);
 
-  Subscription get(const std::string& url, Progress progress,
+  Subscription get(const std::string& url, std::uint64_t maxBytes, Progress progress,
                    std::function<void(HttpResult)> done) override;
-
-  // Answers longer than this are aborted: nothing ORLET fetches is that large.
-  static constexpr qint64 maxBytes = qint64{1} << 31;
 
  private:
   QNetworkAccessManager manager_;
   QList<QSslCertificate> extraAuthorities_;
+  int transferTimeoutMs_;
 };
 
 }  // namespace orlet::linux_update

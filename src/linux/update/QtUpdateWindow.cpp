@@ -1,11 +1,13 @@
 #include "linux/update/QtUpdateWindow.h"
 
+#include "linux/update/ReleaseNotesView.h"
+
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTextBrowser>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace orlet::linux_update {
@@ -41,11 +43,11 @@ void QtUpdateWindow::build() {
   title_->setWordWrap(true);
   message_ = new QLabel(this);
   message_->setWordWrap(true);
-  notes_ = new QTextBrowser(this);
-  notes_->setOpenExternalLinks(true);
+  notes_ = new ReleaseNotesView(this);
   notes_->setFixedHeight(notesHeight);
   link_ = new QLabel(this);
-  link_->setOpenExternalLinks(true);
+  connect(link_, &QLabel::linkActivated, this,
+          [](const QString& link) { ReleaseNotesView::openIfHttps(QUrl(link)); });
   progress_ = new QProgressBar(this);
   progress_->setRange(0, 1000);
   progress_->setTextVisible(false);

@@ -8,9 +8,10 @@
 class QLabel;
 class QProgressBar;
 class QPushButton;
-class QTextBrowser;
 
 namespace orlet::linux_update {
+
+class ReleaseNotesView;
 
 // The update window: one titled window whose content follows the update's current step.
 class QtUpdateWindow final : public QWidget, public UpdateUserDriver {
@@ -29,7 +30,7 @@ class QtUpdateWindow final : public QWidget, public UpdateUserDriver {
 
   QLabel* title_ = nullptr;
   QLabel* message_ = nullptr;
-  QTextBrowser* notes_ = nullptr;
+  ReleaseNotesView* notes_ = nullptr;
   QLabel* link_ = nullptr;
   QProgressBar* progress_ = nullptr;
   QPushButton* primary_ = nullptr;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <thread>
 
 #include "linux/x11/XcbReply.h"
 
@@ -55,6 +56,22 @@ std::unique_ptr<InstanceLock> InstanceLock::acquire(const XConnection& x, Holder
   if (holder) holder->pid = owner == XCB_NONE ? std::nullopt : pidOf(x, owner);
   x.flush();
   return nullptr;
+}
+
+std::unique_ptr<InstanceLock> InstanceLock::acquireAfter(const XConnection& x, pid_t predecessor,
+                                                         std::chrono::milliseconds patience,
+                                                         Holder* holder,
+                                                         const std::function<void()>& waiting) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  for (bool told = false;; told = true) {
+    Holder held;
+    if (auto lock = acquire(x, &held)) return lock;
+    if (holder) *holder = held;
+    if (held.pid != predecessor || std::chrono::steady_clock::now() >= deadline) return nullptr;
+    if (!told && waiting) waiting();
+    // Nothing else to do before the screen is ours; the predecessor quits within milliseconds.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
 }
 
 InstanceLock::~InstanceLock() {

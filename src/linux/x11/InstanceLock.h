@@ -3,6 +3,8 @@
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -24,6 +26,14 @@ class InstanceLock {
   // Takes the selection unless another client holds it. Check and take happen under a server
   // grab, so that two instances started together cannot both win.
   static std::unique_ptr<InstanceLock> acquire(const XConnection& x, Holder* holder);
+
+  // As acquire, but while `predecessor` (the ORLET this one replaces after an update, which is
+  // still quitting) holds the screen, waits up to `patience` for it to let go; `waiting` is
+  // called once if it has to.
+  static std::unique_ptr<InstanceLock> acquireAfter(const XConnection& x, pid_t predecessor,
+                                                    std::chrono::milliseconds patience,
+                                                    Holder* holder,
+                                                    const std::function<void()>& waiting);
 
   InstanceLock(const InstanceLock&) = delete;
   InstanceLock& operator=(const InstanceLock&) = delete;

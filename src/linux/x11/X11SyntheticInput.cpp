@@ -35,12 +35,38 @@ X11SyntheticInput::X11SyntheticInput(const XConnection& x, std::ostream& diagnos
   }
 }
 
+// A click replayed onto one of our own windows (the picture of the display the panel is on) would
+// be replayed again from there, and again: it is dropped, its release with it.
 void X11SyntheticInput::leftButtonDown(Point at) {
-  fakeButton(XCB_BUTTON_PRESS, at);
+  pressDropped_ = landsOnOwnWindow(at);
+  if (!pressDropped_) return fakeButton(XCB_BUTTON_PRESS, at);
+  if (!std::exchange(reportedOwnWindow_, true)) {
+    diagnostics_ << "orlet: a click on the mirror that would land on ORLET's own windows is not "
+                    "replayed\n";
+  }
 }
 
 void X11SyntheticInput::leftButtonUp(Point at) {
+  if (std::exchange(pressDropped_, false)) return;
   fakeButton(XCB_BUTTON_RELEASE, at);
+}
+
+// Walks from the root down the windows that contain `at`, topmost first at each level; any of
+// them created on our connection (its id in our resource range) is one of ours, frames of the
+// window manager around it or not.
+bool X11SyntheticInput::landsOnOwnWindow(Point at) const {
+  auto* c = x_.get();
+  const xcb_setup_t* setup = xcb_get_setup(c);
+  xcb_window_t window = x_.root();
+  for (int depth = 0; depth < 16; ++depth) {
+    const auto reply = waitReply<xcb_translate_coordinates_reply_t>(
+        c, xcb_translate_coordinates_reply,
+        xcb_translate_coordinates(c, x_.root(), window, pixel(at.x), pixel(at.y)));
+    if (!reply || reply->child == XCB_NONE) return false;
+    window = reply->child;
+    if ((window & ~setup->resource_id_mask) == setup->resource_id_base) return true;
+  }
+  return false;
 }
 
 // The motion first: XTEST presses where the pointer is, and the click must land at `at` even

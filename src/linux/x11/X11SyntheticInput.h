@@ -10,7 +10,8 @@ namespace orlet::x11 {
 
 // Clicks through the XTEST extension, as if from the real mouse (the server moves the pointer
 // and delivers the button to whichever window is under it), and warps with WarpPointer on the
-// root. Without XTEST the clicks are dropped, said once on `diagnostics`; warps still work.
+// root. Without XTEST the clicks are dropped, said once on `diagnostics`; warps still work. A
+// click that would land on a window of this connection's own (ORLET's) is dropped too.
 class X11SyntheticInput final : public SyntheticInput {
  public:
   // `warped` runs after each warp, for those who keep a reading of the pointer.
@@ -25,12 +26,15 @@ class X11SyntheticInput final : public SyntheticInput {
 
  private:
   void fakeButton(std::uint8_t type, Point at);
+  bool landsOnOwnWindow(Point at) const;
 
   const XConnection& x_;
   std::ostream& diagnostics_;
   std::function<void()> warped_;
   bool hasXTest_ = false;
   bool reportedMissing_ = false;
+  bool pressDropped_ = false;
+  bool reportedOwnWindow_ = false;
 };
 
 }  // namespace orlet::x11

@@ -2,6 +2,9 @@
 // 0,0 (primary) and DUMMY1 2560x1440 at 1920,0, started for this test on its own display.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -126,6 +129,54 @@ TEST_F(X11CaptureTest, FramesShowWhatWasDrawnOnTheirDisplayOnlyAndFollowChanges)
   right.stopCapture();
   left.stopCapture();
   ASSERT_TRUE(scheduler.pumpUntil([&] { return !right.currentFrame.get(); }, patience));
+}
+
+// Over TCP (DISPLAY=host:N, ssh -X) the server still advertises MIT-SHM, but no descriptor can
+// pass and AttachFd fails: the capture reads with GetImage instead and says so once.
+TEST_F(X11CaptureTest, OverTcpWhereSharedMemoryCannotBeAttachedTheCaptureStillWorks) {
+  using namespace std::chrono_literals;
+  const std::string number = std::string(displayName).substr(1);
+  const std::string remote = std::to_string(std::stoi(number) + 100);
+  const auto log = std::filesystem::temp_directory_path() / ("orlet-proxy-" + remote + ".log");
+  x11test::Process proxy({"python3", ORLET_SOURCE_DIR "/tests/linux/capture/tcp_x_proxy.py",
+                          std::to_string(6000 + std::stoi(remote)), number},
+                         {}, log.string());
+  ASSERT_TRUE(x11test::eventually([&] { return proxy.output().find("listening") == 0; }, 10s));
+  painter.paint({1920 + 40, 40, 64, 64}, 0x3060C0);
+  std::fflush(stderr);
+  const int savedStderr = dup(2);
+  FILE* said = std::tmpfile();
+  dup2(fileno(said), 2);
+  bool bothCaptured = false;
+  {
+    linux_capture::X11CaptureService tcp(scheduler, "127.0.0.1:" + remote);
+    VideoCaptureManager left(scheduler, tcp), right(scheduler, tcp);
+    left.startCapture(primary);
+    right.startCapture(secondary);
+    bothCaptured = scheduler.pumpUntil(
+        [&] {
+          return left.currentFrame.get() && right.currentFrame.get() &&
+                 rgb(right.currentFrame.get(), 50, 50) == 0x3060C0;
+        },
+        patience);
+    if (bothCaptured) bothCaptured = sameAsScreen(left.currentFrame.get(), painter, primary);
+    left.stopCapture();
+    right.stopCapture();
+    scheduler.pumpUntil([&] { return !left.currentFrame.get() && !right.currentFrame.get(); },
+                        patience);
+  }
+  std::fflush(stderr);
+  dup2(savedStderr, 2);
+  close(savedStderr);
+  std::rewind(said);
+  std::string text;
+  for (int c; (c = std::fgetc(said)) != EOF;) text += static_cast<char>(c);
+  std::fclose(said);
+  std::filesystem::remove(log);
+  EXPECT_TRUE(bothCaptured) << text;
+  const std::string notice = "MIT-SHM cannot be used on this connection";
+  ASSERT_NE(text.find(notice), std::string::npos) << text;
+  EXPECT_EQ(text.find(notice, text.find(notice) + 1), std::string::npos) << "said once: " << text;
 }
 
 TEST_F(X11CaptureTest, AnUnchangedScreenYieldsNoNewFrames) {

@@ -4,12 +4,14 @@
     https_server.py FOLDER CERT KEY PORT_FILE
 
 Writes the port it listens on to PORT_FILE once it accepts connections. A path under
-/truncated/ sends the file's full Content-Length but only half its bytes, then closes.
+/truncated/ sends the file's full Content-Length but only half its bytes, then closes; one under
+/stall/ is accepted and never answered.
 """
 import http.server
 import os
 import ssl
 import sys
+import threading
 
 
 class Handler(http.server.SimpleHTTPRequestHandler):
@@ -17,6 +19,8 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         pass
 
     def do_GET(self):
+        if self.path.startswith("/stall/"):
+            threading.Event().wait()
         if not self.path.startswith("/truncated/"):
             return super().do_GET()
         path = os.path.join(self.directory, self.path[len("/truncated/"):])

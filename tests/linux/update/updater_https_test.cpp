@@ -93,8 +93,11 @@ class UpdaterOverHttps : public ::testing::Test {
 
   void makeArchive(const std::string& version, const fs::path& archive) {
     const fs::path top = dir / "build" / ("orlet-" + version + "-Linux");
-    write(top / "bin/orlet",
-          "#!/bin/sh\necho " + version + " >\"" + (dir / "started").string() + "\"\n", true);
+    // The relaunched program says which version it is and which ORLET it was told it replaces.
+    write(
+        top / "bin/orlet",
+        "#!/bin/sh\necho " + version + " $ORLET_REPLACES >\"" + (dir / "started").string() + "\"\n",
+        true);
     write(top / "share/orlet/version", version + "\n");
     sh("tar -czf " + archive.string() + " -C " + (dir / "build").string() + " " +
        top.filename().string());
@@ -114,7 +117,7 @@ class UpdaterOverHttps : public ::testing::Test {
   void check() {
     QList<QSslCertificate> authority =
         QSslCertificate::fromPath(QString::fromStdString((dir / "ca.pem").string()));
-    linux_update::QtHttpClient http(authority);
+    linux_update::QtHttpClient http(authority, transferTimeoutMs);
     SoftwareUpdater updater({http, driver, *installer, scheduler},
                             {base + "/appcast.xml", publicKey, "0.1.0", "12"});
     updater.checkForUpdates();
@@ -142,6 +145,7 @@ class UpdaterOverHttps : public ::testing::Test {
     EXPECT_FALSE(fs::exists(location.previous())) << why;
   }
 
+  int transferTimeoutMs = 30000;
   fs::path dir, home, key;
   std::string publicKey, base;
   linux_update::InstallLocation location;
@@ -156,7 +160,9 @@ TEST_F(UpdaterOverHttps, ANewerSignedVersionIsInstalledBesideTheOldOneAndRelaunc
   publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
   check();
   ASSERT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
-  ASSERT_TRUE(eventually([&] { return read(dir / "started") == "0.2.0\n"; }, 10s));
+  const std::string started = "0.2.0 " + std::to_string(::getpid()) + "\n";
+  ASSERT_TRUE(eventually([&] { return read(dir / "started") == started; }, 10s))
+      << read(dir / "started");
   EXPECT_EQ(fs::read_symlink(location.current()), "versions/0.2.0");
   EXPECT_EQ(fs::read_symlink(location.previous()), "versions/0.1.0");
   EXPECT_TRUE(fs::exists(location.versions() / "0.1.0/bin/orlet")) << "kept until confirmed";
@@ -187,6 +193,7 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
   };
   const auto length = std::to_string(genuine.size());
   makeArchive("0.0.9", dir / "www/orlet-0.0.9-Linux.tar.gz");
+  transferTimeoutMs = 1000;
   const struct {
     const char* why;
     std::function<void()> prepare;
@@ -195,14 +202,33 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
       {"tampered archive", [&] { publish(good), tamper(); }, "signature de la mise à jour"},
       {"wrong length",
        [&] { publish(good, replace("length=\"" + length, "length=\"" + length + "1")); },
-       "n'a pas la taille annoncée"},
+       "le serveur annonce"},
       {"missing signature", [&] { publish(good, replace("sparkle:edSignature=", "x=")); },
        "n'est pas signée"},
       {"foreign signature", [&] { publish(good, {}, strangerKey); }, "signature de la mise à jour"},
       {"truncated download", [&] { publish(good, replace(base + "/", base + "/truncated/")); },
        "Le téléchargement a échoué"},
+      {"longer than announced",
+       [&] {
+         publish(good,
+                 replace("length=\"" + length, "length=\"" + std::to_string(genuine.size() - 100)));
+       },
+       "le serveur annonce"},
+      {"feed of more than a megabyte",
+       [&] {
+         publish(good, replace("</channel>", "</channel><!--" + std::string(3 << 19, '.') + "-->"));
+       },
+       "plus longue que la taille annoncée"},
+      {"stalled server", [&] { publish(good, replace(base + "/", base + "/stall/")); },
+       "le serveur ne répond plus"},
       {"malformed feed", [&] { publish(good, replace("</channel>", "")); }, "illisibles"},
       {"older version", [&] { publish(dir / "www/orlet-0.0.9-Linux.tar.gz"); }, "la plus récente"},
+      {"old signed release offered as new",
+       [&] {
+         publish(dir / "www/orlet-0.0.9-Linux.tar.gz",
+                 replace("<sparkle:version>0.0.9", "<sparkle:version>0.3.0"));
+       },
+       "contient la version « 0.0.9 »"},
   };
   for (const auto& c : cases) {
     write(good, genuine);
@@ -214,6 +240,48 @@ TEST_F(UpdaterOverHttps, EveryFaultyUpdateIsRefusedAndLeavesTheInstallationUntou
     EXPECT_FALSE(fs::exists(dir / "started")) << c.why;
     if (driver.visible) driver.press(driver.screen.secondaryButton);
   }
+}
+
+// A local attacker who replaces the package between its verification and its unpacking (played
+// by a stand-in tar that swaps every archive file it is given) gets nothing unpacked of theirs.
+TEST_F(UpdaterOverHttps, WhatIsUnpackedIsWhatWasVerified) {
+  makeArchive("6.6.6", dir / "attacker.tar.gz");
+  write(dir / "bin/tar",
+        "#!/bin/sh\nfor a in \"$@\"; do case \"$a\" in *.tar.gz) cp \"" +
+            (dir / "attacker.tar.gz").string() + "\" \"$a\";; esac; done\nexec /bin/tar \"$@\"\n",
+        true);
+  const std::string path = std::getenv("PATH");
+  ::setenv("PATH", ((dir / "bin").string() + ":" + path).c_str(), 1);
+  publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
+  check();
+  ::setenv("PATH", path.c_str(), 1);
+  ASSERT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
+  EXPECT_EQ(read(location.current() / "share/orlet/version"), "0.2.0\n");
+}
+
+// When the new version is in place but the old one cannot be remembered, the window says what
+// is true: the new version is what starts next.
+TEST_F(UpdaterOverHttps, AnInstallWhoseOldVersionCannotBeRememberedIsStillInstalled) {
+  write(location.root / "previous.new/in-the-way", "");
+  publish(dir / "www/orlet-0.2.0-Linux.tar.gz");
+  check();
+  EXPECT_EQ(driver.screen.step, Step::ready) << driver.screen.message;
+  EXPECT_EQ(fs::read_symlink(location.current()), "versions/0.2.0");
+}
+
+// Only the package's own /usr/bin/orlet takes the Debian package's updates; a copy installed
+// elsewhere under /usr (cmake --install) is not offered them.
+TEST(InstallLocation, OnlyThePackagesOwnProgramIsTheSystemPackage) {
+  using Kind = linux_update::InstallLocation::Kind;
+  const auto packaged = [](const fs::path& file) { return file == "/usr/bin/orlet"; };
+  const auto unpackaged = [](const fs::path&) { return false; };
+  EXPECT_EQ(linux_update::locateInstall("/usr/bin/orlet", "/nonexistent", packaged).kind,
+            Kind::systemPackage);
+  EXPECT_EQ(linux_update::locateInstall("/usr/local/bin/orlet", "/nonexistent", packaged).kind,
+            Kind::unmanaged);
+  EXPECT_EQ(linux_update::locateInstall("/usr/bin/orlet", "/nonexistent", unpackaged).kind,
+            Kind::unmanaged);
+  EXPECT_FALSE(linux_update::packageOwns("/usr/local/bin/orlet"));
 }
 
 }  // namespace

@@ -36,5 +36,57 @@ TEST(X11SyntheticInputTest, AWarpFromARectangleMovesOnlyAPointerStillInIt) {
   EXPECT_EQ(probe.pointer(), (std::pair{int(display.x), int(display.y)}));
 }
 
+// A window at `r`, mapped above the others, that reports the button presses it receives.
+xcb_window_t listeningWindow(const XConnection& x, const x11test::WindowRect& r) {
+  const xcb_window_t window = xcb_generate_id(x.get());
+  const std::uint32_t values[] = {1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE};
+  xcb_create_window(x.get(), XCB_COPY_FROM_PARENT, window, x.root(), std::int16_t(r.x),
+                    std::int16_t(r.y), std::uint16_t(r.width), std::uint16_t(r.height), 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+  xcb_map_window(x.get(), window);
+  x.flush();
+  return window;
+}
+
+// The presses `x` has received so far (a round trip first, so that all sent have arrived).
+int pressesOn(const XConnection& x) {
+  free(xcb_get_input_focus_reply(x.get(), xcb_get_input_focus(x.get()), nullptr));
+  int presses = 0;
+  while (xcb_generic_event_t* event = xcb_poll_for_event(x.get())) {
+    presses += (event->response_type & 0x7f) == XCB_BUTTON_PRESS;
+    free(event);
+  }
+  return presses;
+}
+
+// A click replayed on the picture of ORLET's own display would land on ORLET's own windows and be
+// replayed from there again: such a click is dropped, and any other still lands.
+TEST(X11SyntheticInputTest, AClickOnOurOwnWindowsIsDroppedAndOthersLand) {
+  x11test::XProbe probe;
+  std::string error;
+  auto ours = XConnection::open(nullptr, &error);
+  auto theirs = XConnection::open(nullptr, &error);
+  ASSERT_TRUE(ours && theirs) << error;
+  std::ostringstream diagnostics;
+  X11SyntheticInput input(*ours, diagnostics);
+  listeningWindow(*ours, {600, 100, 200, 200});
+  listeningWindow(*theirs, {900, 100, 200, 200});
+  pressesOn(*ours);
+  pressesOn(*theirs);
+  for (int i = 0; i < 2; ++i) {
+    input.leftButtonDown({700, 200});
+    input.leftButtonUp({700, 200});
+  }
+  input.leftButtonDown({1000, 200});
+  input.leftButtonUp({1000, 200});
+  EXPECT_EQ(pressesOn(*theirs), 1);
+  EXPECT_EQ(pressesOn(*ours), 0);
+  EXPECT_EQ(probe.pointer(), (std::pair{1000, 200}));
+  EXPECT_EQ(diagnostics.str(),
+            "orlet: a click on the mirror that would land on ORLET's own windows is not "
+            "replayed\n");
+}
+
 }  // namespace
 }  // namespace orlet::x11

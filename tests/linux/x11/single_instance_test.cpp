@@ -36,5 +36,25 @@ TEST_F(OrletTest, ASecondInstanceSaysSoAndQuitsLeavingTheFirstAlone) {
   EXPECT_EQ(rectOf(button()), buttonAt);
 }
 
+// An update starts the new ORLET while the old one is still quitting: the new one waits for the
+// one it replaces (named by the relaunch) to let go of the screen, then takes over.
+TEST_F(OrletTest, ARelaunchedOrletWaitsForTheOneItReplacesAndTakesOver) {
+  startOrlet();
+  const auto old = orlet_->pid();
+  orletEnvironment_["ORLET_REPLACES"] = std::to_string(old);
+  auto successor = launchOrlet();
+  ASSERT_TRUE(
+      eventually([&] { return successor->output().find("waiting") != std::string::npos; }, 10s))
+      << successor->output();
+  EXPECT_FALSE(successor->waitForExit(0s).has_value());
+  kill(old, SIGTERM);
+  ASSERT_TRUE(orlet_->waitForExit(5s).has_value());
+  orlet_ = std::move(successor);
+  ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
+  EXPECT_FALSE(x_->topLevelsOf(orlet_->pid()).empty());
+  EXPECT_EQ(orlet_->output(),
+            "orlet: waiting for ORLET (process " + std::to_string(old) + ") to quit\n");
+}
+
 }  // namespace
 }  // namespace orlet::x11test
