@@ -256,7 +256,8 @@ std::unique_ptr<x11::InstanceLock> acquireScreen(const x11::XConnection& x,
   unsetenv("ORLET_REPLACES");  // not for the programs ORLET starts
   if (predecessor <= 0) return x11::InstanceLock::acquire(x, &holder);
   return x11::InstanceLock::acquireAfter(x, predecessor, std::chrono::seconds(10), &holder, [=] {
-    std::cerr << "orlet: waiting for ORLET (process " << predecessor << ") to quit" << std::endl;
+    std::cerr << "orlet: attente de la fin de l'ORLET remplacé (processus " << predecessor << ")"
+              << std::endl;
   });
 }
 

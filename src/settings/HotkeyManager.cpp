@@ -26,8 +26,8 @@ void HotkeyManager::registerHotkey() {
   // A name lost in the text (an old "++A" for keypad plus and A) would leave the other keys
   // grabbed from every application for a shortcut that can never fire.
   if (savedChars_.count("")) {
-    ports_->out << "orlet: the saved shortcut \"" << chars
-                << "\" names a key that cannot be read; it is not set" << std::endl;
+    ports_->out << "orlet: le raccourci enregistré « " << chars
+                << " » nomme une touche illisible ; il n'est pas activé" << std::endl;
     return;
   }
   pressedChars_.clear();

@@ -98,11 +98,12 @@ TEST_F(SettingsFileTest, AnUnwritableFolderLeavesTheSavedFileAsItWasAndIsReporte
   const std::string file = file_.string();
   EXPECT_EQ(said,
             "1 1\n"
-            "orlet: the settings cannot be saved to " +
+            "orlet: les réglages ne peuvent pas être enregistrés dans " +
                 file +
-                " (it or its folder cannot be written); the saved ones are kept as they were\n"
-                "orlet: the settings are saved to " +
-                file + " again\n" +
+                " (lui ou son dossier est protégé en écriture) ; ceux déjà enregistrés restent "
+                "tels quels\n"
+                "orlet: les réglages sont de nouveau enregistrés dans " +
+                file + "\n" +
                 "[General]\nbuttonWindowX=300\nhotkeyChars=K\nsecondaryWindowPinned=true\n");
 }
 
@@ -125,7 +126,7 @@ TEST_F(SettingsFileTest, AMalformedLineLosesOnlyItselfAndIsReportedOnce) {
             "secondaryWindowPinned=true\n\n[Notes]\nbroken=1\n");
   const std::string said = diagnostics.str();
   EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
-  EXPECT_NE(said.find(file_.string() + " has a malformed line"), std::string::npos) << said;
+  EXPECT_NE(said.find(file_.string() + " a une ligne mal formée"), std::string::npos) << said;
   EXPECT_TRUE(fs::exists(file_.string() + ".illisible"));
 }
 

@@ -107,7 +107,7 @@ std::optional<CaptureError> Grabber::setUp() {
   // Said once: every stream of the session would find the same.
   static std::atomic<bool> told{false};
   if (!useShm && !told.exchange(true))
-    std::fprintf(stderr, "ORLET: %s; using GetImage\n", why.c_str());
+    std::fprintf(stderr, "orlet: %s ; l'écran est lu par GetImage\n", why.c_str());
   reader_ = std::make_unique<PixelReader>(*connection_, useShm, settings_.memory);
   if (auto failure = locate(true)) return CaptureError{*failure};
   setUpDamage();
@@ -122,7 +122,7 @@ void Grabber::setUpDamage() {
     version.reset(xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
   }
   if (!version) {
-    std::fprintf(stderr, "ORLET: no DAMAGE on this X server; reading every frame whole\n");
+    std::fprintf(stderr, "orlet: le serveur X n'a pas DAMAGE ; chaque image est lue entière\n");
     dirty_ = true;
     return;
   }
@@ -134,7 +134,7 @@ void Grabber::setUpDamage() {
           connection_->check(xcb_damage_create_checked(c, damage_, connection_->root(),
                                                        XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES),
                              "DAMAGE Create")) {
-    std::fprintf(stderr, "ORLET: %s; reading every frame whole\n", failure->c_str());
+    std::fprintf(stderr, "orlet: %s ; chaque image est lue entière\n", failure->c_str());
     damage_ = XCB_NONE;
     dirty_ = true;
   }

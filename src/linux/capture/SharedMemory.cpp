@@ -9,7 +9,7 @@
 namespace orlet::linux_capture {
 
 bool SharedMemory::usable(const XcbConnection& connection, std::string& why) {
-  why = "no MIT-SHM 1.2 on this X server";
+  why = "le serveur X n'a pas MIT-SHM 1.2";
   if (!connection.hasExtension(&xcb_shm_id)) return false;
   Reply<xcb_shm_query_version_reply_t> version(xcb_shm_query_version_reply(
       connection.get(), xcb_shm_query_version(connection.get()), nullptr));
@@ -18,7 +18,7 @@ bool SharedMemory::usable(const XcbConnection& connection, std::string& why) {
   std::string error;
   const auto probe = create(connection, static_cast<std::size_t>(sysconf(_SC_PAGESIZE)), error);
   if (probe) return true;
-  why = "MIT-SHM cannot be used on this connection (" + error + ")";
+  why = "MIT-SHM ne peut pas servir sur cette connexion (" + error + ")";
   return false;
 }
 

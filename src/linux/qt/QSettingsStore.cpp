@@ -32,10 +32,10 @@ void QSettingsStore::recoverReadableValues() {
   fresh->sync();
   settings_ = std::move(fresh);
   diagnostics_ << "orlet: " << file.toStdString()
-               << " has a malformed line (a section name without its closing ']' or a line "
-                  "that is not key=value); the "
-               << readable.size() << " settings that could be read are kept and saved again, "
-               << "the file as it was is kept as " << aside.toStdString() << std::endl;
+               << " a une ligne mal formée (un nom de section sans son ']' ou une ligne qui "
+                  "n'est pas clé=valeur) ; les "
+               << readable.size() << " réglages lisibles sont gardés et enregistrés à nouveau, "
+               << "le fichier tel qu'il était est gardé sous " << aside.toStdString() << std::endl;
 }
 
 // QSettings takes a lock file for each write. A writer killed between creating that file and
@@ -123,11 +123,11 @@ void QSettingsStore::report(bool failed) {
   writeFailed_ = failed;
   const std::string file = fileName().toStdString();
   if (failed) {
-    diagnostics_ << "orlet: the settings cannot be saved to " << file
-                 << " (it or its folder cannot be written); the saved ones are kept as they were"
-                 << std::endl;
+    diagnostics_ << "orlet: les réglages ne peuvent pas être enregistrés dans " << file
+                 << " (lui ou son dossier est protégé en écriture) ; ceux déjà enregistrés restent"
+                 << " tels quels" << std::endl;
   } else {
-    diagnostics_ << "orlet: the settings are saved to " << file << " again" << std::endl;
+    diagnostics_ << "orlet: les réglages sont de nouveau enregistrés dans " << file << std::endl;
   }
 }
 

@@ -41,8 +41,8 @@ void X11SyntheticInput::leftButtonDown(Point at) {
   pressDropped_ = landsOnOwnWindow(at);
   if (!pressDropped_) return fakeButton(XCB_BUTTON_PRESS, at);
   if (!std::exchange(reportedOwnWindow_, true)) {
-    diagnostics_ << "orlet: a click on the mirror that would land on ORLET's own windows is not "
-                    "replayed\n";
+    diagnostics_ << "orlet: un clic sur le miroir qui tomberait sur les fenêtres d'ORLET n'est "
+                    "pas reproduit\n";
   }
 }
 

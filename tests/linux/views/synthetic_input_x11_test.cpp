@@ -84,7 +84,7 @@ TEST(X11SyntheticInputTest, AClickOnOurOwnWindowsIsDroppedAndOthersLand) {
   EXPECT_EQ(pressesOn(*ours), 0);
   EXPECT_EQ(probe.pointer(), (std::pair{1000, 200}));
   EXPECT_EQ(diagnostics.str(),
-            "orlet: a click on the mirror that would land on ORLET's own windows is not "
+            "orlet: un clic sur le miroir qui tomberait sur les fenêtres d'ORLET n'est "
             "replayed\n");
 }
 

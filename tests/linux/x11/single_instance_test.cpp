@@ -52,8 +52,8 @@ TEST_F(OrletTest, ARelaunchedOrletWaitsForTheOneItReplacesAndTakesOver) {
   orlet_ = std::move(successor);
   ASSERT_TRUE(eventually([&] { return isShown(button()); }, 10s)) << orlet_->output();
   EXPECT_FALSE(x_->topLevelsOf(orlet_->pid()).empty());
-  EXPECT_EQ(orlet_->output(),
-            "orlet: waiting for ORLET (process " + std::to_string(old) + ") to quit\n");
+  EXPECT_EQ(orlet_->output(), "orlet: attente de la fin de l'ORLET remplacé (processus " +
+                                  std::to_string(old) + ")\n");
 }
 
 }  // namespace
