@@ -174,7 +174,7 @@ TEST_F(X11CaptureTest, OverTcpWhereSharedMemoryCannotBeAttachedTheCaptureStillWo
   std::fclose(said);
   std::filesystem::remove(log);
   EXPECT_TRUE(bothCaptured) << text;
-  const std::string notice = "MIT-SHM cannot be used on this connection";
+  const std::string notice = "MIT-SHM ne peut pas servir sur cette connexion";
   ASSERT_NE(text.find(notice), std::string::npos) << text;
   EXPECT_EQ(text.find(notice, text.find(notice) + 1), std::string::npos) << "said once: " << text;
 }

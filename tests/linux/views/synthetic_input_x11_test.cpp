@@ -85,7 +85,7 @@ TEST(X11SyntheticInputTest, AClickOnOurOwnWindowsIsDroppedAndOthersLand) {
   EXPECT_EQ(probe.pointer(), (std::pair{1000, 200}));
   EXPECT_EQ(diagnostics.str(),
             "orlet: un clic sur le miroir qui tomberait sur les fenêtres d'ORLET n'est "
-            "replayed\n");
+            "pas reproduit\n");
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ TEST_F(OrletTest, ARelaunchedOrletWaitsForTheOneItReplacesAndTakesOver) {
   orletEnvironment_["ORLET_REPLACES"] = std::to_string(old);
   auto successor = launchOrlet();
   ASSERT_TRUE(
-      eventually([&] { return successor->output().find("waiting") != std::string::npos; }, 10s))
+      eventually([&] { return successor->output().find("attente") != std::string::npos; }, 10s))
       << successor->output();
   EXPECT_FALSE(successor->waitForExit(0s).has_value());
   kill(old, SIGTERM);
