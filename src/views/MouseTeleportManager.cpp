@@ -68,7 +68,7 @@ void MouseTeleportManager::checkMousePosition() {
   }
   // The focus and coverage tests cost round trips to the X server: they are asked only for a
   // pointer moving into the picture, or about a part of it where the way was closed.
-  if (!onTarget && mirror.contains(p) && mayEnter(p)) {
+  if (!onTarget && isInWayIn(p) && mayEnter(p)) {
     teleportMouse(globalPoint(target, relativePoint(mirror, p)), mirror);
     // Not the landing: a warp refused (the pointer left the picture meanwhile) must not read
     // as a crossing of the display's edge at the next sample.
@@ -77,9 +77,19 @@ void MouseTeleportManager::checkMousePosition() {
     publishOnTarget(true);
     return;
   }
-  if (!mirror.contains(p)) entryRefused_ = false;
+  if (!isInWayIn(p)) entryRefused_ = false;
   lastPoint_ = p;
   publishOnTarget(onTarget);
+}
+
+// The picture but for a band along its rim: where the picture fills the panel, that band lies
+// along the panel's edges, and a pointer reaching for them to resize the panel stays on the
+// operator's screen.
+bool MouseTeleportManager::isInWayIn(Point p) const {
+  const Rect& m = mirrorScreenRect_;
+  const Rect inner{m.x + resizeBand, m.y + resizeBand, m.width - 2 * resizeBand,
+                   m.height - 2 * resizeBand};
+  return inner.contains(p);
 }
 
 void MouseTeleportManager::forgetPointer() {
@@ -94,7 +104,7 @@ void MouseTeleportManager::forgetPointer() {
 bool MouseTeleportManager::mayEnter(Point p) {
   if (!lastPoint_) return false;
   if (*lastPoint_ == p) return false;
-  if (mirrorScreenRect_.contains(*lastPoint_) && !entryRefused_) return false;
+  if (isInWayIn(*lastPoint_) && !entryRefused_) return false;
   entryRefused_ = !isCaptureOneOrORLETFocused() || !isPictureVisibleAt(p);
   return !entryRefused_;
 }

@@ -43,6 +43,8 @@ class MouseTeleportManager final : public PreviewCompanion {
   static constexpr double edgeMargin = 3.0;
   static constexpr double landingDistance = 20.0;
   static constexpr Seconds teleportCooldown{0.15};
+  // Wider than the panel's resize grips along its edges.
+  static constexpr double resizeBand = 8.0;
 
   explicit MouseTeleportManager(const Ports& ports);
 
@@ -67,6 +69,7 @@ class MouseTeleportManager final : public PreviewCompanion {
 
  private:
   void checkMousePosition();
+  bool isInWayIn(Point p) const;
   void forgetPointer();
   bool mayEnter(Point p);
   bool isPictureVisibleAt(Point p) const;

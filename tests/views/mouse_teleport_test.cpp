@@ -153,8 +153,9 @@ TEST_F(MouseTeleportTest, HiddenOrDraggedMirrorSuspendsTheCrossing) {
   EXPECT_EQ(warps(), (std::vector<Point>{{3200, 720}}));
 }
 
-// A picture that appears under a resting pointer, or a pointer that moves about inside it, is
-// not a way in; another window over the picture at the pointer closes the way there only.
+// A picture that appears under a resting pointer, a pointer that moves about inside it or in the
+// band along its rim, is not a way in; another window over the picture at the pointer closes the
+// way there only.
 TEST_F(MouseTeleportTest, ThePointerEntersByMovingIntoAVisiblePartOfThePicture) {
   pointerAt({300, 212.5});  // the first sample already finds it there: a card just chosen
   pointerAt({310, 220});
@@ -163,6 +164,15 @@ TEST_F(MouseTeleportTest, ThePointerEntersByMovingIntoAVisiblePartOfThePicture) 
   scheduler.advance(MouseTeleportManager::checkInterval);
   manager.updateMirrorRect(kMirror);
   EXPECT_TRUE(warps().empty());
+
+  pointerAt({495, 212.5});  // in the band along the picture's rim: the panel's edge, say
+  pointerAt({493, 220});
+  EXPECT_TRUE(warps().empty());
+  pointerAt({480, 220});  // on, into the picture proper
+  EXPECT_EQ(warps().size(), 1u);
+  waitOutTheCooldown();
+  pointerAt({1921, 720});
+  waitOutTheCooldown();
 
   mirrorWindow = server.openWindow(kOurs.processIdentifier, {90, 90, 420, 245});
   server.openWindow(kEditor.processIdentifier,

@@ -317,6 +317,30 @@ TEST_F(InteractionTest, OnlyTheVisiblePartOfThePictureLetsThePointerIn) {
   EXPECT_TRUE(eventually([&] { return closeTo(pointer(), in); })) << pointer().first;
 }
 
+// The enlarged picture fills the panel's width: a pointer brought onto the panel's right edge
+// stays on the operator's screen, in a band where a drag resizes the panel.
+TEST_F(InteractionTest, ThePanelsEdgeResizesItInsteadOfLettingThePointerIn) {
+  startOrlet();
+  const WindowRect m = enlargeSecondDisplay();
+  const int edge = m.x + m.width - 3, y = m.y + m.height / 2;
+  const int beside = m.x + m.width + 30;
+  handMoveTo(beside, y);
+  EXPECT_TRUE(staysFor(1200ms, [&] { return pointer() == std::pair{beside, y}; }));  // seen
+  handMoveTo(edge, y);
+  EXPECT_TRUE(staysFor(400ms,
+                       [&] {
+                         return pointer() == std::pair{edge, y};
+                       }))
+      << pointer().first << "," << pointer().second;
+  xdotool("mousedown 1");
+  for (int x = edge + 20; x <= edge + 100; x += 20) moveTo(x, y);
+  xdotool("mouseup 1");
+  EXPECT_TRUE(eventually([&] {
+    const auto r = rectOf(mirror());
+    return r.width >= m.width + 80 && r.x == m.x;
+  })) << rectOf(mirror()).width;
+}
+
 // A flick of the floating button (press, a fast move of a few hundred pixels, release) moves it
 // and does not toggle the mirror, even when ORLET reads the events only after the pointer has
 // come to rest, as on a loaded machine: here it is stopped while the flick happens.
