@@ -51,35 +51,40 @@ void MouseTeleportManager::checkMousePosition() {
   if (lastTeleportTime_ && now - *lastTeleportTime_ < teleportCooldown) return;
 
   const Point p = ports_.windowServer.pointerLocation();
-  const Rect& target = targetDisplayBounds_;
-  const Rect& mirror = mirrorScreenRect_;
-  const bool onTarget = target.contains(p);
-
-  // Reaching the edge band, or crossing it between two samples onto a neighbouring display,
-  // both bring the pointer back beside the picture; a crossing has already left the band, so
-  // its warp is unconditional.
-  const auto crossing = onTarget ? std::nullopt : crossingOfEdge(p);
-  const auto edge = detectEdge(crossing.value_or(p), target);
-  if ((onTarget || crossing) && edge) {
-    lastPoint_ = teleportToMirrorEdge(*edge, crossing.value_or(p), crossing.has_value());
+  const bool onTarget = targetDisplayBounds_.contains(p);
+  const bool back = bringBackFromEdge(p, onTarget);
+  if (back || (!onTarget && enterDisplay(p))) {
     lastTeleportTime_ = now;
-    publishOnTarget(false);
-    return;
-  }
-  // The focus and coverage tests cost round trips to the X server: they are asked only for a
-  // pointer moving into the picture, or about a part of it where the way was closed.
-  if (!onTarget && isInWayIn(p) && mayEnter(p)) {
-    teleportMouse(globalPoint(target, relativePoint(mirror, p)), mirror);
-    // Not the landing: a warp refused (the pointer left the picture meanwhile) must not read
-    // as a crossing of the display's edge at the next sample.
-    lastPoint_ = p;
-    lastTeleportTime_ = now;
-    publishOnTarget(true);
+    publishOnTarget(!back);
     return;
   }
   if (!isInWayIn(p)) entryRefused_ = false;
   lastPoint_ = p;
   publishOnTarget(onTarget);
+}
+
+// Reaching the edge band, or crossing it between two samples onto a neighbouring display, both
+// bring the pointer back beside the picture; a crossing has already left the band, so its warp
+// is unconditional.
+bool MouseTeleportManager::bringBackFromEdge(Point p, bool onTarget) {
+  const auto crossing = onTarget ? std::nullopt : crossingOfEdge(p);
+  if (!onTarget && !crossing) return false;
+  const auto edge = detectEdge(crossing.value_or(p), targetDisplayBounds_);
+  if (!edge) return false;
+  lastPoint_ = teleportToMirrorEdge(*edge, crossing.value_or(p), crossing.has_value());
+  return true;
+}
+
+// The focus and coverage tests cost round trips to the X server: they are asked only for a
+// pointer moving into the picture, or about a part of it where the way was closed.
+bool MouseTeleportManager::enterDisplay(Point p) {
+  if (!isInWayIn(p) || !mayEnter(p)) return false;
+  const Rect& mirror = mirrorScreenRect_;
+  teleportMouse(globalPoint(targetDisplayBounds_, relativePoint(mirror, p)), mirror);
+  // Not the landing: a warp refused (the pointer left the picture meanwhile) must not read as a
+  // crossing of the display's edge at the next sample.
+  lastPoint_ = p;
+  return true;
 }
 
 // The picture but for a band along its rim: where the picture fills the panel, that band lies

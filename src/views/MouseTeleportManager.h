@@ -69,6 +69,8 @@ class MouseTeleportManager final : public PreviewCompanion {
 
  private:
   void checkMousePosition();
+  bool bringBackFromEdge(Point p, bool onTarget);
+  bool enterDisplay(Point p);
   bool isInWayIn(Point p) const;
   void forgetPointer();
   bool mayEnter(Point p);
