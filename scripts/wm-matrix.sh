@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# Runs ORLET's X11 integration tests under each window manager studios run: openbox, xfwm4,
-# metacity, KWin and Mutter (their X11 modes), installing them first. Prints passed and failed
+# Runs ORLET's X11 integration tests under each window manager studios run: openbox, xfwm4
+# (with its compositor off, and on as Xfce has it by default: xfwm4-compositor), metacity, KWin
+# and Mutter (their X11 modes), installing them first. Prints passed and failed
 # counts per window manager; the exit status is non-zero when any test failed.
 #
-#   scripts/wm-matrix.sh [xfwm4 metacity ...]     # all five when none is named
+#   scripts/wm-matrix.sh [xfwm4 metacity ...]     # all six when none is named
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 wms=("$@")
-if ((${#wms[@]} == 0)); then wms=(openbox xfwm4 metacity kwin mutter); fi
+if ((${#wms[@]} == 0)); then wms=(openbox xfwm4 xfwm4-compositor metacity kwin mutter); fi
 scripts/install-deps.sh --wm-matrix
 
 build=${ORLET_TEST_BUILD_DIR:-build-test}

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # A real X session for tests, benchmarks and demos: Xorg with the dummy video driver and two
 # RandR outputs (1920x1080 primary at 0,0; 2560x1440 at 1920,0), a window manager (openbox unless
-# --wm or $ORLET_TEST_WM names another: openbox, xfwm4, metacity, kwin, mutter), and optionally
+# --wm or $ORLET_TEST_WM names another: openbox, xfwm4, xfwm4-compositor, metacity, kwin,
+# mutter), and optionally
 # trayer as a system-tray host.
 #
 #   scripts/xsession.sh start :41 [--no-wm] [--wm NAME] [--tray] [--no-shm] [--depth 30]
@@ -77,6 +78,8 @@ start_wm() {
   case $1 in
     openbox) command=(openbox --sm-disable ${replace:+--replace}); bus=() ;;
     xfwm4) command=(xfwm4 --compositor=off) ;;
+    # Xfce's default: the compositor on, so that no window reports what covers it.
+    xfwm4-compositor) command=(xfwm4 --compositor=on) ;;
     metacity) command=(metacity --replace --no-composite --sm-disable) ;;
     kwin) command=(env KWIN_COMPOSE=N QT_QPA_PLATFORM=xcb kwin_x11 --replace) ;;
     mutter) command=(mutter --x11 --replace --sm-disable) ;;

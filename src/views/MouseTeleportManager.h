@@ -17,9 +17,11 @@
 namespace orlet {
 
 // Lets the pointer cross between the mirror and the display it shows, as if the miniature were
-// a window onto that display: entering the picture (while the editor or this program is in
-// front) puts the pointer on the display at the matching spot, and reaching an edge of the
-// display brings it back just outside the matching edge of the picture. Main thread only.
+// a window onto that display: moving into a visible part of the picture (while the editor or
+// this program is in front) puts the pointer on the display at the matching spot, and reaching
+// or crossing an edge of the display brings it back just outside the matching edge of the
+// picture. A picture that appears under a resting pointer, or lies under another window, lets
+// nothing through. Main thread only.
 class MouseTeleportManager final : public PreviewCompanion {
  public:
   struct Ports {
@@ -30,6 +32,9 @@ class MouseTeleportManager final : public PreviewCompanion {
     const DisplayInfoProvider& displayInfo;
     std::function<bool()> isWindowVisible;     // the mirror is on screen
     std::function<bool()> isWindowBeingMoved;  // the user is dragging the mirror
+    // The mirror's own window, to tell whether another window covers the picture at the
+    // pointer; none (or an empty function) leaves coverage unchecked.
+    std::function<std::optional<WindowNumber>()> mirrorWindow = {};
   };
 
   enum class ScreenEdge { top, bottom, left, right };
@@ -38,6 +43,8 @@ class MouseTeleportManager final : public PreviewCompanion {
   static constexpr double edgeMargin = 3.0;
   static constexpr double landingDistance = 20.0;
   static constexpr Seconds teleportCooldown{0.15};
+  // Wider than the panel's resize grips along its edges.
+  static constexpr double resizeBand = 8.0;
 
   explicit MouseTeleportManager(const Ports& ports);
 
@@ -62,8 +69,15 @@ class MouseTeleportManager final : public PreviewCompanion {
 
  private:
   void checkMousePosition();
-  void teleportToMirrorEdge(ScreenEdge edge, Point from);
-  void teleportMouse(Point to, const Rect& from);
+  bool bringBackFromEdge(Point p, bool onTarget);
+  bool enterDisplay(Point p);
+  bool isInWayIn(Point p) const;
+  void forgetPointer();
+  bool mayEnter(Point p);
+  bool isPictureVisibleAt(Point p) const;
+  std::optional<Point> crossingOfEdge(Point p) const;
+  Point teleportToMirrorEdge(ScreenEdge edge, Point from, bool unconditional);
+  void teleportMouse(Point to, std::optional<Rect> from);
   bool isCaptureOneOrORLETFocused() const;
   void publishOnTarget(bool onTarget);
 
@@ -72,7 +86,10 @@ class MouseTeleportManager final : public PreviewCompanion {
   Rect targetDisplayBounds_;
   Rect mirrorScreenRect_;
   std::optional<Seconds> lastTeleportTime_;
-  bool announced_ = false;  // the last value handed on for publication
+  // Where the last sample found the pointer (or where a jump put it); none after a pause.
+  std::optional<Point> lastPoint_;
+  bool entryRefused_ = false;  // the last sample's way into the picture was closed
+  bool announced_ = false;     // the last value handed on for publication
   Lifetime lifetime_;
   SamplingTimer timer_;
 };

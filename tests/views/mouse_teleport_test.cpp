@@ -32,6 +32,11 @@ class MouseTeleportTest : public ::testing::Test {
     server.movePointer(p);
     scheduler.advance(MouseTeleportManager::checkInterval);
   }
+  // Moves the pointer in from beside the picture, as a hand does: a jump needs the way in.
+  void enterPicture(Point p) {
+    pointerAt({kMirror.x - 30, p.y});
+    pointerAt(p);
+  }
   void waitOutTheCooldown() { scheduler.advance(MouseTeleportManager::teleportCooldown); }
   std::vector<Point> warps() const {
     std::vector<Point> points;
@@ -50,14 +55,15 @@ class MouseTeleportTest : public ::testing::Test {
   test::FakeDisplayInfoProvider info;
   test::FakeSyntheticInput input{server, scheduler};
   bool visible = true, moved = false;
+  std::optional<WindowNumber> mirrorWindow;
   MouseTeleportManager manager{{scheduler, server, input, editor, info, [this] { return visible; },
-                                [this] { return moved; }}};
+                                [this] { return moved; }, [this] { return mirrorWindow; }}};
 };
 
 // Into the display at the matching spot; during the cooldown nothing happens, not even the
 // flag; then back beside the mirror from the edge reached.
 TEST_F(MouseTeleportTest, PointerCrossesIntoTheDisplayAndBackBesideTheMirror) {
-  pointerAt({300, 212.5});
+  enterPicture({300, 212.5});
   EXPECT_EQ(warps(), (std::vector<Point>{{3200, 720}}));
   EXPECT_TRUE(manager.isMouseOnTargetDisplay.get());
 
@@ -124,7 +130,7 @@ TEST_F(MouseTeleportTest, FrontApplicationGuardsTheWayInOnly) {
       workspace.clearFront();
     }
     input.events.clear();
-    pointerAt({300, 212.5});
+    enterPicture({300, 212.5});
     EXPECT_EQ(!warps().empty(), c.jumpsIn)
         << c.front.value_or(RunningApplication{}).localizedName.value_or("none");
     EXPECT_EQ(manager.isMouseOnTargetDisplay.get(), c.jumpsIn);
@@ -148,8 +154,86 @@ TEST_F(MouseTeleportTest, HiddenOrDraggedMirrorSuspendsTheCrossing) {
     EXPECT_FALSE(manager.isMouseOnTargetDisplay.get());
     *flag = !*flag;
   }
-  pointerAt({300, 212.5});
+  enterPicture({300, 212.5});
   EXPECT_EQ(warps(), (std::vector<Point>{{3200, 720}}));
+}
+
+// A picture that appears under a resting pointer, a pointer that moves about inside it or in the
+// band along its rim, is not a way in; another window over the picture at the pointer closes the
+// way there only.
+TEST_F(MouseTeleportTest, ThePointerEntersByMovingIntoAVisiblePartOfThePicture) {
+  pointerAt({300, 212.5});  // the first sample already finds it there: a card just chosen
+  pointerAt({310, 220});
+  pointerAt({550, 212.5});                         // beside the picture, at rest
+  manager.updateMirrorRect({450, 100, 400, 225});  // the picture grows under it
+  scheduler.advance(MouseTeleportManager::checkInterval);
+  manager.updateMirrorRect(kMirror);
+  EXPECT_TRUE(warps().empty());
+
+  pointerAt({495, 212.5});  // in the band along the picture's rim: the panel's edge, say
+  pointerAt({493, 220});
+  EXPECT_TRUE(warps().empty());
+  pointerAt({480, 220});  // on, into the picture proper
+  EXPECT_EQ(warps().size(), 1u);
+  waitOutTheCooldown();
+  pointerAt({1921, 720});
+  waitOutTheCooldown();
+
+  mirrorWindow = server.openWindow(kOurs.processIdentifier, {90, 90, 420, 245});
+  server.openWindow(kEditor.processIdentifier,
+                    {0, 0, 200, 200});  // over the picture's top-left corner
+  struct Case {
+    Point into;
+    bool jumps;
+  };
+  const Case cases[] = {
+      {{150, 150}, false}, {{199, 199}, false}, {{200, 150}, true}, {{150, 200}, true}};
+  for (const auto& c : cases) {
+    input.events.clear();
+    enterPicture(c.into);
+    EXPECT_EQ(warps().size(), c.jumps ? 1u : 0u) << c.into.x << "," << c.into.y;
+    waitOutTheCooldown();
+    if (c.jumps) pointerAt({1921, 720});  // back the way a hand comes back
+    waitOutTheCooldown();
+  }
+  input.events.clear();
+  enterPicture({150, 150});
+  pointerAt({250, 150});  // on from the covered part to the part seen, inside the picture
+  EXPECT_EQ(warps(), (std::vector<Point>{{1920 + 150 * 6.4, 50 * 6.4}}));
+}
+
+// A pointer that leaves the display between two samples, over its edge band, comes back beside
+// the picture as from the border where it crossed; one found off the display after a pause was
+// not seen crossing, and stays.
+TEST_F(MouseTeleportTest, CrossingTheEdgeBetweenTwoSamplesBringsThePointerBack) {
+  struct Case {
+    Point on, off;
+    Point landing;
+  };
+  const Case cases[] = {
+      {{1925, 720}, {1916, 720}, {80, 212.5}},                           // left, at 9 px a sample
+      {{3200, 5}, {3200, -4}, {300, 80}},                                // top
+      {{1924, 10}, {1908, -6}, {80, 100 + (6.0 / 1440) * 225}},          // left before top
+      {{4470, 1000}, {4490, 1000}, {520, 100 + (1000.0 / 1440) * 225}},  // right
+  };
+  for (const auto& c : cases) {
+    input.events.clear();
+    pointerAt(c.on);
+    pointerAt(c.off);
+    ASSERT_EQ(input.events.size(), 1u) << c.off.x;
+    EXPECT_EQ(input.events[0].at, c.landing) << c.off.x;
+    EXPECT_EQ(input.events[0].onlyFrom, std::nullopt);
+    EXPECT_FALSE(manager.isMouseOnTargetDisplay.get());
+    waitOutTheCooldown();
+  }
+  input.events.clear();
+  pointerAt({1925, 720});
+  visible = false;
+  pointerAt({1925, 720});
+  visible = true;
+  pointerAt({1916, 720});
+  scheduler.advance(Seconds{0.5});
+  EXPECT_TRUE(input.events.empty());
 }
 
 // Stopping drops the flag at once and the checks with it; the display's bounds are read when
@@ -170,14 +254,14 @@ TEST_F(MouseTeleportTest, MonitoringLifecycle) {
   const int queries = server.pointerQueries;
   scheduler.advance(Seconds{0.5 + 0.5 / 60});
   EXPECT_EQ(server.pointerQueries - queries, 30);
-  pointerAt({300, 212.5});
+  enterPicture({300, 212.5});
   EXPECT_EQ(warps(), (std::vector<Point>{{960, -540}}));
 
   info.displays.erase(kTarget);
   manager.startMonitoring(kTarget);
   waitOutTheCooldown();
   input.events.clear();
-  pointerAt({300, 212.5});
+  enterPicture({300, 212.5});
   scheduler.advance(Seconds{1});
   EXPECT_TRUE(input.events.empty());
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "linux/qt/DrawingPainter.h"
+#include "linux/qt/HomeScreen.h"
 #include "linux/qt/NativeCoordinates.h"
 #include "linux/qt/QtPanelButton.h"
 #include "linux/x11/Coverage.h"
@@ -19,6 +20,9 @@ QtPanel::QtPanel(const PanelConfig& config, const x11::XConnection& x, const Win
                                      .cancelSystemDrag = [this] { x11_->cancelMoveResize(); },
                                      .systemMoveStarted = [this] { systemMoveStarted(); },
                                      .painted = [this] { onScreen(); }});
+  // The panel drawn whole as a face is the floating button: ORLET's other windows find its
+  // display by this name.
+  if (config.face) widget_->setObjectName(QLatin1String(floatingButtonName));
   widget_->winId();  // creates the X window now, so that its hints can be set before mapping
   x11_.emplace(x, static_cast<xcb_window_t>(widget_->winId()));
   x11_->refuseFocus();

@@ -3,15 +3,15 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QFontDatabase>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <QWindow>
+
+#include "linux/qt/HomeScreen.h"
 
 namespace orlet::linux_qt {
 namespace {
@@ -152,15 +152,12 @@ void QtSettingsPanel::fitHeight() {
 }
 
 void QtSettingsPanel::centre() {
-  const auto* screen = QGuiApplication::primaryScreen();
-  if (!screen) return;
-  auto frame = geometry();
-  frame.moveCenter(screen->availableGeometry().center());
-  move(frame.topLeft());
+  centreOnHomeScreen(*this);
 }
 
 void QtSettingsPanel::orderFrontRegardless() {
   if (!QWidget::isVisible()) {
+    centre();
     x11_->prepareForMap(true, true);
     show();
   }

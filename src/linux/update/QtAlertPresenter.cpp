@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "linux/qt/HomeScreen.h"
 #include "linux/qt/SymbolIcons.h"
 
 namespace orlet::linux_update {
@@ -42,6 +43,8 @@ int QtAlertPresenter::runModal(const Alert& alert) {
   for (const auto& title : alert.buttons)
     buttons.push_back(box.addButton(QString::fromStdString(title), QMessageBox::AcceptRole));
   if (!buttons.empty()) box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
+  box.adjustSize();
+  linux_qt::centreOnHomeScreen(box);
   box.exec();
   for (std::size_t i = 0; i < buttons.size(); ++i)
     if (box.clickedButton() == buttons[i]) return static_cast<int>(i);

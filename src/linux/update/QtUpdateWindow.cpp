@@ -10,6 +10,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "linux/qt/HomeScreen.h"
+
 namespace orlet::linux_update {
 
 namespace {
@@ -95,6 +97,7 @@ void QtUpdateWindow::show(const UpdateScreen& screen, std::function<void()> onPr
   secondary_->setVisible(!screen.secondaryButton.empty());
   secondary_->setDefault(screen.primaryButton.empty());
   adjustSize();
+  if (!isVisible()) linux_qt::centreOnHomeScreen(*this);
   QWidget::show();
   raise();
   activateWindow();

@@ -103,13 +103,15 @@ void X11PanelWindow::restackAbove(xcb_window_t sibling) {
   x_.flush();
 }
 
+// A window manager without _NET_RESTACK_WINDOW (xfwm4) drops that message: it gets the plain
+// ConfigureWindow, which it intercepts as a ConfigureRequest (ICCCM 4.1.5); without one, the
+// request goes straight to the server.
 void X11PanelWindow::restack(xcb_window_t window, xcb_window_t sibling, xcb_stack_mode_t mode,
                              bool viaWindowManager) {
-  if (viaWindowManager) {
+  if (viaWindowManager && windowManagerRestacks()) {
     xcb_ewmh_request_restack_window(&x_.ewmh(), x_.screenNumber(), window, sibling, mode);
     return;
   }
-  // Without a window manager the request goes straight to the server (X11 ConfigureWindow).
   const std::uint32_t values[] = {sibling, static_cast<std::uint32_t>(mode)};
   if (sibling == XCB_NONE) {
     xcb_configure_window(x_.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &values[1]);
@@ -127,6 +129,12 @@ void X11PanelWindow::cancelMoveResize() {
                                  XCB_EWMH_WM_MOVERESIZE_CANCEL, XCB_BUTTON_INDEX_1,
                                  XCB_EWMH_CLIENT_SOURCE_TYPE_NORMAL);
   x_.flush();
+}
+
+bool X11PanelWindow::windowManagerRestacks() const {
+  auto& ewmh = x_.ewmh();
+  const auto supported = readCardinals(x_, x_.root(), ewmh._NET_SUPPORTED, XCB_ATOM_ATOM);
+  return std::find(supported.begin(), supported.end(), ewmh._NET_RESTACK_WINDOW) != supported.end();
 }
 
 bool X11PanelWindow::isHidden() const {

@@ -40,6 +40,8 @@ class X11PanelWindow {
  private:
   void restack(xcb_window_t window, xcb_window_t sibling, xcb_stack_mode_t mode,
                bool viaWindowManager);
+  // _NET_RESTACK_WINDOW among the window manager's _NET_SUPPORTED atoms.
+  bool windowManagerRestacks() const;
 
   const XConnection& x_;
   xcb_window_t window_;

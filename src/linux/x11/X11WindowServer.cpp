@@ -26,13 +26,31 @@ constexpr std::uint32_t kPointerInput = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
                                         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
                                         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
 
+// Raw events, and the toolkit's own pointer events on our windows: the server sends no raw
+// motion for an absolute move (a test's, or a program's through XTEST), but a pointer moving
+// into the mirror still reports itself there.
 bool isPointerInput(const xcb_generic_event_t& event, std::uint8_t xinputOpcode) {
-  if ((event.response_type & 0x7f) != XCB_GE_GENERIC) return false;
+  switch (event.response_type & 0x7f) {
+    case XCB_MOTION_NOTIFY:
+    case XCB_ENTER_NOTIFY:
+      return true;
+    case XCB_GE_GENERIC:
+      break;
+    default:
+      return false;
+  }
   const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
   if (generic.extension != xinputOpcode) return false;
-  return generic.event_type == XCB_INPUT_RAW_MOTION ||
-         generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS ||
-         generic.event_type == XCB_INPUT_RAW_BUTTON_RELEASE;
+  switch (generic.event_type) {
+    case XCB_INPUT_RAW_MOTION:
+    case XCB_INPUT_RAW_BUTTON_PRESS:
+    case XCB_INPUT_RAW_BUTTON_RELEASE:
+    case XCB_INPUT_MOTION:
+    case XCB_INPUT_ENTER:
+      return true;
+    default:
+      return false;
+  }
 }
 
 }  // namespace

@@ -16,10 +16,12 @@ namespace orlet::x11 {
 //
 // The mirror samples the pointer sixty times a second. While no input arrives, the last reading
 // stands: after each reading the server is asked for the first raw pointer event (XInput 2), and
-// only once one has come is the pointer read again. A still pointer thus costs no round trip,
-// and a moving one at most one event and one round trip a sample, however fast the mouse
-// reports. Warps by other clients come with no input event: a reading is kept a quarter of a
-// second at most, and a reading that finds the pointer moved tells the input's observers too.
+// only once one has come (or the toolkit's own pointer event on one of our windows, which comes
+// even for an absolute move that raises no raw motion) is the pointer read again. A still pointer
+// thus costs no round trip, and a moving one at most one event and one round trip a sample, however
+// fast the mouse reports. Warps by other clients come with no input event: a reading is kept a
+// quarter of a second at most, and a reading that finds the pointer moved tells the input's
+// observers too.
 class X11WindowServer final : public WindowServer {
  public:
   X11WindowServer(const XConnection& x, XEventSource& events);

@@ -1,5 +1,6 @@
 // The enlarged mirror as the operator works through it: clicks replayed on the display, the
 // cursor drawn where the pointer stands, and the pointer crossing between the two.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -90,6 +91,12 @@ class InteractionTest : public OrletTest {
 
   std::pair<int, int> pointer() { return x_->pointer(); }
   void moveTo(int x, int y) { xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y)); }
+  // The same, ending as a mouse's move does, with raw motion (the server sends none for an
+  // absolute test move): what a program watching the pointer's input sees of a hand.
+  void handMoveTo(int x, int y) {
+    xdotool("mousemove " + std::to_string(x - 1) + " " + std::to_string(y) +
+            " mousemove_relative 1 0");
+  }
 };
 
 // The mirror of the second display, placed on that display itself (so the pointer over it is
@@ -185,18 +192,50 @@ TEST_F(InteractionTest, TheCursorIsDrawnWhereThePointerStands) {
   EXPECT_TRUE(eventually([&] { return clean(viewer) && clean(toMirror(picture, {3900, 1200})); }));
 }
 
-// Into the display from the picture, back 20 points beside it from an edge; another
-// application in front stops the way in, not the way back; dragging the mirror stops both.
+// A card chosen under the pointer enlarges its picture there and the pointer stays; moving into
+// the picture, even once after a rest, takes it to the display at once; back 20 points beside
+// the picture from an edge, whether the pointer stops on it or crosses it between two samples;
+// another application in front stops the way in, not the way back; dragging the mirror stops
+// both.
 TEST_F(InteractionTest, ThePointerCrossesBetweenMirrorAndDisplay) {
   startOrlet();
   const WindowRect m = enlargeSecondDisplay();  // the picture then lies under the pointer
   const Rect picture = enlargedOnScreen(m);
   const Spot chosen = cardCentre(m);
+  EXPECT_TRUE(staysFor(400ms,
+                       [&] {
+                         return pointer() == std::pair{chosen.x, chosen.y};
+                       }))
+      << pointer().first << "," << pointer().second;
+
+  // Out of the picture, a rest long enough for the sampling to slow down, and one move in.
+  const int aside = int(picture.y) - 20;
+  // One move of each kind: a mouse's (relative, with raw motion) and an absolute one (the
+  // server reports none for it), each after a rest.
+  for (const std::string move : {"mousemove_relative 0 60", "mousemove 400 300"}) {
+    moveTo(chosen.x, aside);
+    EXPECT_TRUE(staysFor(1200ms, [&] { return pointer() == std::pair{chosen.x, aside}; }));
+    xdotool(move);
+    EXPECT_TRUE(eventually([&] { return pointer().first >= kSecondDisplay.x; }, 400ms))
+        << move << ": " << pointer().first;
+    moveTo(1921, 720);
+    EXPECT_TRUE(eventually([&] { return pointer().first < kSecondDisplay.x; }));
+  }
+  moveTo(chosen.x, chosen.y);
   const Point in = toDisplay(picture, {double(chosen.x), double(chosen.y)});
   EXPECT_TRUE(eventually([&] { return closeTo(pointer(), in); })) << pointer().first;
 
-  moveTo(1921, 720);  // the display's left edge
   const Point beside{picture.x - 20, picture.y + picture.height / 2};
+  for (const int step : {4, 9}) {  // stopping on the edge; over it between two samples
+    moveTo(3000, 720);
+    moveTo(1925, 720);
+    moveTo(1925 - step, 720);
+    EXPECT_TRUE(eventually([&] { return closeTo(pointer(), beside); }))
+        << step << ": " << pointer().first;
+    moveTo(int(picture.x) + 40, int(picture.midY()));
+    EXPECT_TRUE(eventually([&] { return pointer().first >= kSecondDisplay.x; }));
+  }
+  moveTo(1921, 720);
   EXPECT_TRUE(eventually([&] { return closeTo(pointer(), beside); })) << pointer().first;
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
 
@@ -236,13 +275,70 @@ TEST_F(InteractionTest, ThePointerCrossesBetweenMirrorAndDisplay) {
   click({moved.x + moved.width - 19, moved.y + 19});
   ASSERT_TRUE(eventually([&] { return setting("secondaryWindowPinned") == "true"; }));
   activate(otherWindow_);
+  moveTo(1921, 720);
+  const Point besideNow{now.x - 20, now.y + now.height / 2};
+  EXPECT_TRUE(eventually([&] { return closeTo(pointer(), besideNow); })) << pointer().first;
   moveTo(int(now.x) + 160, int(now.y) + 200);
   EXPECT_TRUE(staysFor(400ms, [&] {
     return pointer() == std::pair<int, int>{int(now.x) + 160, int(now.y) + 200};
   }));
-  moveTo(1921, 720);
-  const Point besideNow{now.x - 20, now.y + now.height / 2};
-  EXPECT_TRUE(eventually([&] { return closeTo(pointer(), besideNow); })) << pointer().first;
+}
+
+// The editor brought over part of the unpinned mirror hides the picture there: moving into the
+// covered part keeps the pointer on the operator's screen, on into the part still seen takes it
+// to the display.
+TEST_F(InteractionTest, OnlyTheVisiblePartOfThePictureLetsThePointerIn) {
+  startOrlet();
+  const WindowRect m = enlargeSecondDisplay();
+  const Rect picture = enlargedOnScreen(m);
+  const int middle = int(picture.midX());
+  xdotool("windowmove " + std::to_string(editorWindow_) + " " + std::to_string(middle - 800) + " " +
+          std::to_string(int(picture.y)));
+  ASSERT_TRUE(eventually([&] { return rectOf(editorWindow_).x != 300; }));
+  const WindowRect editor = rectOf(editorWindow_);
+  const int border = editor.x + editor.width;  // of the covered part
+  ASSERT_TRUE(picture.x + 300 < border && border < picture.maxX() - 300) << border;
+  ASSERT_GT(editor.y + editor.height, m.y + m.height + 20);
+  click({border - 100, m.y + m.height + 20});  // in the editor below the mirror: it comes over
+  ASSERT_TRUE(eventually([&] {
+    const auto order = x_->visibleStacking();
+    const auto at = [&](xcb_window_t w) { return std::find(order.begin(), order.end(), w); };
+    return at(editorWindow_) > at(mirror());
+  }));
+
+  const int y = int(picture.midY());
+  handMoveTo(border - 200, int(picture.y) - 20);
+  handMoveTo(border - 200, y);  // into the covered part
+  EXPECT_TRUE(staysFor(400ms, [&] {
+    return pointer() == std::pair{border - 200, y};
+  })) << pointer().first;
+  handMoveTo(border + 200, y);  // on to the part still seen
+  const Point in = toDisplay(picture, {double(border + 200), double(y)});
+  EXPECT_TRUE(eventually([&] { return closeTo(pointer(), in); })) << pointer().first;
+}
+
+// The enlarged picture fills the panel's width: a pointer brought onto the panel's right edge
+// stays on the operator's screen, in a band where a drag resizes the panel.
+TEST_F(InteractionTest, ThePanelsEdgeResizesItInsteadOfLettingThePointerIn) {
+  startOrlet();
+  const WindowRect m = enlargeSecondDisplay();
+  const int edge = m.x + m.width - 3, y = m.y + m.height / 2;
+  const int beside = m.x + m.width + 30;
+  handMoveTo(beside, y);
+  EXPECT_TRUE(staysFor(1200ms, [&] { return pointer() == std::pair{beside, y}; }));  // seen
+  handMoveTo(edge, y);
+  EXPECT_TRUE(staysFor(400ms,
+                       [&] {
+                         return pointer() == std::pair{edge, y};
+                       }))
+      << pointer().first << "," << pointer().second;
+  xdotool("mousedown 1");
+  for (int x = edge + 20; x <= edge + 100; x += 20) moveTo(x, y);
+  xdotool("mouseup 1");
+  EXPECT_TRUE(eventually([&] {
+    const auto r = rectOf(mirror());
+    return r.width >= m.width + 80 && r.x == m.x;
+  })) << rectOf(mirror()).width;
 }
 
 // A flick of the floating button (press, a fast move of a few hundred pixels, release) moves it

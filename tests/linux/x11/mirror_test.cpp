@@ -63,6 +63,25 @@ TEST_F(MirrorTest, ButtonRaisesACoveredMirrorInsteadOfHidingIt) {
   EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
 }
 
+// A click in the editor's window brings it over the unpinned mirror where they overlap; the
+// button (and the shortcut alike) then brings the mirror forward rather than hiding it, on every
+// window manager, compositing or not.
+TEST_F(MirrorTest, ButtonBringsForwardAMirrorTheEditorCovers) {
+  startOrlet();
+  const auto m = showMirror();
+  const auto e = rectOf(editorWindow_);
+  ASSERT_LT(m.x + m.width, e.x + e.width - 20);
+  ASSERT_TRUE(eventually([&] { return levelOf(mirror()) > levelOf(editorWindow_); }));
+  click({m.x + m.width + 10, e.y + e.height / 2});
+  ASSERT_TRUE(eventually([&] { return levelOf(editorWindow_) > levelOf(mirror()); }));
+  ASSERT_TRUE(isShown(mirror()));
+
+  click(centreOf(rectOf(button())));
+  EXPECT_TRUE(eventually([&] { return levelOf(mirror()) > levelOf(editorWindow_); }));
+  click(centreOf(rectOf(button())));
+  EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
+}
+
 // Pinned, the mirror stays directly above the editor's main window, the palette between them
 // included, and behind whichever application comes forward; unpinned, any other application
 // hides it. Where the window manager does not restack above a sibling, the fallback: kept above

@@ -70,6 +70,20 @@ TEST_F(OrletTest, ButtonFollowsTheEditorAndStaysOutOfTheTaskbar) {
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
 }
 
+// ORLET's own windows open on the display of the floating button, the operator's, not on the
+// primary display nor by the pointer: here the button has been put on the second display.
+TEST_F(OrletTest, SettingsOpenOnTheButtonsDisplay) {
+  presetSettings("buttonWindowX=3000\nbuttonWindowY=700\n");
+  startOrlet();
+  const auto displayOf = [](Spot s) { return s.x < kSecondDisplay.x ? 0 : 1; };
+  const Spot b = centreOf(rectOf(button()));
+  const xcb_window_t settings = openSettings();
+  ASSERT_NE(settings, XCB_NONE);
+  const auto r = rectOf(settings);
+  EXPECT_TRUE(x_->withinOneDisplay(r)) << r.x << "," << r.y;
+  EXPECT_EQ(displayOf(centreOf(r)), displayOf(b)) << r.x << "," << r.y << " button " << b.x;
+}
+
 class WithoutTrayTest : public OrletTest {
  protected:
   void SetUp() override {

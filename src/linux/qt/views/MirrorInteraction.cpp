@@ -32,6 +32,13 @@ std::optional<Rect> rectOnScreen(const QWidget& view) {
   return toNative(QRect(view.mapToGlobal(QPoint(0, 0)), view.size()));
 }
 
+// The X client window of the panel holding `view`; none before the panel has one.
+std::optional<WindowNumber> windowOf(const QWidget& view) {
+  const WId id = view.window()->internalWinId();
+  if (id == 0) return std::nullopt;
+  return static_cast<WindowNumber>(id);
+}
+
 }  // namespace
 
 void makeMirrorInteractive(DisplayPreviewView& mirror, DisplayManager& dm,
@@ -48,7 +55,7 @@ void makeMirrorInteractive(DisplayPreviewView& mirror, DisplayManager& dm,
 
   auto teleport = std::make_unique<MouseTeleportManager>(MouseTeleportManager::Ports{
       ports.scheduler, ports.windowServer, ports.input, ports.editor, ports.displayInfo,
-      ports.isWindowVisible, ports.isWindowBeingMoved});
+      ports.isWindowVisible, ports.isWindowBeingMoved, [&mirror] { return windowOf(mirror); }});
   auto probe = std::make_unique<ScreenPositionTracker>(ports.scheduler, ports.windowServer,
                                                        *teleport, ports.displayInfo,
                                                        [&mirror] { return rectOnScreen(mirror); });
