@@ -9,7 +9,8 @@
 namespace orlet::linux_qt {
 namespace {
 
-constexpr int answerTimeoutMs = 2000;
+// Generous: the running ORLET answers from its main thread, which a loaded machine may keep busy.
+constexpr int answerTimeoutMs = 5000;
 constexpr char requestLine[] = "toggle\n";
 constexpr char answerLine[] = "ok\n";
 

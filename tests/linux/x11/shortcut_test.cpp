@@ -141,10 +141,11 @@ TEST_F(ShortcutTest, TheToggleCommandTogglesTheRunningMirror) {
             std::make_pair(std::optional<int>(1),
                            std::string("orlet: ORLET n'est pas lancé dans cette session\n")));
   startOrlet();
-  EXPECT_EQ(toggle().first, 0);
+  const auto answered = std::make_pair(std::optional<int>(0), std::string());
+  EXPECT_EQ(toggle(), answered);
   EXPECT_TRUE(eventually([&] { return isShown(mirror()); }));
   EXPECT_EQ(x_->activeWindow(), editorWindow_);
-  EXPECT_EQ(toggle().first, 0);
+  EXPECT_EQ(toggle(), answered);
   EXPECT_TRUE(eventually([&] { return !isShown(mirror()); }));
 }
 
