@@ -70,10 +70,16 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
   return applicationOf(identity);
 }
 
+// The desktop's own furniture (panels, docks, the desktop window) is no application the operator
+// works in: an Xfce panel is not offered as the editor.
 std::vector<RunningApplication> X11Workspace::runningApplications() const {
+  std::vector<xcb_window_t> windows;
+  for (const auto& w : readClientWindows(x_, clientList(x_))) {
+    if (!w.desktopOrDock) windows.push_back(w.window);
+  }
   std::vector<RunningApplication> apps;
   std::set<std::string> seen;
-  for (const auto& identity : readIdentities(x_, clientList(x_))) {
+  for (const auto& identity : readIdentities(x_, windows)) {
     if (hasIdentity(identity) && seen.insert(x11::keyOf(identity)).second) {
       apps.push_back(applicationOf(identity));
     }

@@ -11,6 +11,14 @@ class BesideTest : public OrletTest {
     editorStandIn_ = plays();
     OrletTest::SetUp();
   }
+  // Opens "Éditeur", the bottom row's list, and picks the entry `typed` leads to.
+  void chooseEditor(xcb_window_t settings, const std::string& typed) {
+    const auto panel = rectOf(settings);
+    click({panel.x + 215, panel.y + 177});
+    ASSERT_TRUE(eventually([&] { return popup().has_value(); }));
+    xdotool("type --delay 50 " + typed);
+    xdotool("key Return");
+  }
   bool aboveEditor() {
     return sessionWindowManager().restacksAboveSibling ? directlyAboveEditor()
                                                        : levelOf(mirror()) > levelOf(editorWindow_);
@@ -55,11 +63,7 @@ TEST_F(BesideAnImageViewerTest, WithNoEditorKnownTheButtonStaysUntilOneIsChosen)
   ASSERT_NE(settings, XCB_NONE);
   EXPECT_EQ(rectOf(settings).height, 226);  // the hint below the editor's row
 
-  const auto panel = rectOf(settings);
-  click({panel.x + 215, panel.y + 177});  // "Éditeur", the bottom row's list
-  ASSERT_TRUE(eventually([&] { return popup().has_value(); }));
-  xdotool("type --delay 50 Image");
-  xdotool("key Return");
+  chooseEditor(settings, "Image");
   EXPECT_TRUE(eventually([&] { return setting("editorName") == "Image Viewer"; }));
   // At once, the panel still open: shown only while the viewer is in front (some window managers
   // give it the keyboard as the list closes).
@@ -74,6 +78,17 @@ TEST_F(BesideAnImageViewerTest, WithNoEditorKnownTheButtonStaysUntilOneIsChosen)
   activate(otherWindow_);
   EXPECT_TRUE(eventually([&] { return !isShown(mirror()) && !isShown(button()); }));
   (void)m;
+}
+
+// The desktop's own furniture (here the notification area's dock) is no application to choose:
+// typing its name in the list leads nowhere, and "Automatique" stays.
+TEST_F(BesideAnImageViewerTest, TheDesktopsDocksAreNotOffered) {
+  startOrlet();
+  const auto settings = openSettings();
+  ASSERT_NE(settings, XCB_NONE);
+  chooseEditor(settings, "tray");
+  EXPECT_TRUE(eventually([&] { return setting("editorName").has_value(); }));
+  EXPECT_EQ(setting("editorName"), "");
 }
 
 struct Layout {
