@@ -13,13 +13,8 @@ name=${2:?usage: swaysession.sh start|stop NAME}
 user=orlet-wayland
 rundir=/tmp/orlet-sway-$name
 
-wait_until() {  # wait_until <seconds> <command...>: poll instead of sleeping a fixed time
-  local deadline=$((SECONDS + $1)); shift
-  until "$@" >/dev/null 2>&1; do
-    if ((SECONDS >= deadline)); then return 1; fi
-    sleep 0.1
-  done
-}
+# shellcheck source=wait-until.sh
+source "$(dirname "${BASH_SOURCE[0]}")/wait-until.sh"
 
 as_root() {
   if [[ $(id -u) -eq 0 ]]; then "$@"; else sudo "$@"; fi

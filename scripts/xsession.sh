@@ -25,13 +25,8 @@ shift 2
 number=${display#:}
 rundir=${ORLET_XSESSION_DIR:-/tmp/orlet-xsession-$number}
 
-wait_until() {  # wait_until <seconds> <command...>: poll instead of sleeping a fixed time
-  local deadline=$((SECONDS + $1)); shift
-  until "$@" >/dev/null 2>&1; do
-    if ((SECONDS >= deadline)); then return 1; fi
-    sleep 0.1
-  done
-}
+# shellcheck source=wait-until.sh
+source "$(dirname "${BASH_SOURCE[0]}")/wait-until.sh"
 
 # The pid written in a display's lock file (Xorg's own), empty when there is none.
 lock_owner() {

@@ -13,8 +13,8 @@ BufferReducer::BufferReducer(int sourceWidth, int sourceHeight, int width, int h
       down_(reducer_.reducedDown()),
       pool_(width, height, poolCapacity, &Frame::allocate) {}
 
-BufferReducer::Result BufferReducer::read(const std::uint8_t* pixels, std::size_t stride,
-                                          std::vector<PixelRect> changed, FrameRef& frame) {
+BufferReducer::Result BufferReducer::update(std::vector<PixelRect> changed, const ReadAreas& read,
+                                            FrameRef& frame) {
   if (!primed_) changed = {{0, 0, reducer_.sourceWidth(), reducer_.sourceHeight()}};
   std::vector<PixelRect> areas, affected;
   for (const auto& r : changed) {
@@ -22,13 +22,14 @@ BufferReducer::Result BufferReducer::read(const std::uint8_t* pixels, std::size_
     affected.push_back(reducer_.affected(r));
   }
   mergeOverlapping(areas);
+  // Neighbouring changes overlap once widened by the filter: merged, no pixel is reduced twice.
   mergeOverlapping(affected);
   std::shared_ptr<Frame> target = pool_.acquire(affected);
   if (!target) return Result::busy;
-  for (const auto& a : areas) {
-    const auto* first =
-        pixels + stride * std::size_t(a.y) + std::size_t(a.x) * Frame::bytesPerPixel;
-    reducer_.reduceDown(first, stride, a, down_);
+  if (!read(areas)) {
+    pool_.discard(target);
+    primed_ = false;  // partly reduced: all of it is read again
+    return Result::failed;
   }
   primed_ = true;
   for (const auto& a : affected) reducer_.reduce(down_, *target, a);
@@ -36,6 +37,20 @@ BufferReducer::Result BufferReducer::read(const std::uint8_t* pixels, std::size_
   target->setChanges(pool_.version(), std::move(affected));
   frame = std::move(target);
   return Result::ok;
+}
+
+BufferReducer::Result BufferReducer::read(const std::uint8_t* pixels, std::size_t stride,
+                                          std::vector<PixelRect> changed, FrameRef& frame) {
+  return update(
+      std::move(changed),
+      [&](const std::vector<PixelRect>& areas) {
+        for (const auto& a : areas) {
+          reduceDown(pixels + stride * std::size_t(a.y) + std::size_t(a.x) * Frame::bytesPerPixel,
+                     stride, a);
+        }
+        return true;
+      },
+      frame);
 }
 
 }  // namespace orlet

@@ -9,9 +9,6 @@
 namespace orlet::linux_capture {
 namespace {
 
-// Pictures per display: one being shown, one travelling to the main thread, one being filled.
-constexpr std::size_t poolCapacity = 3;
-
 std::size_t bytes(const PixelRect& r) {
   return std::size_t(r.area()) * Frame::bytesPerPixel;
 }
@@ -24,34 +21,14 @@ ReducingReader::ReducingReader(const XcbConnection& connection, SharedMemory* sc
       scratch_(scratch),
       tenBitChannels_(tenBitChannels),
       area_(area),
-      reducer_(area.width, area.height, width, height),
-      down_(reducer_.reducedDown()),
-      pool_(width, height, poolCapacity, &Frame::allocate) {}
+      reducer_(area.width, area.height, width, height) {}
 
 ReadResult ReducingReader::read(std::vector<PixelRect> changed, FrameRef& frame,
                                 std::string& error) {
-  if (!primed_) changed = {{0, 0, area_.width, area_.height}};
-  std::vector<PixelRect> areas, affected;
-  for (const auto& r : changed) {
-    areas.push_back(reducer_.readArea(r));
-    affected.push_back(reducer_.affected(r));
-  }
-  mergeOverlapping(areas);
-  // Neighbouring changes overlap once widened by the filter: merged, no pixel is reduced twice.
-  mergeOverlapping(affected);
-  std::shared_ptr<Frame> target = pool_.acquire(affected);
-  if (!target) return ReadResult::busy;
-  if (!readAreas(areas, error)) {
-    pool_.discard(target);
-    primed_ = false;  // partly reduced: all of it is read again
-    return ReadResult::failed;
-  }
-  primed_ = true;
-  for (const auto& a : affected) reducer_.reduce(down_, *target, a);
-  if (!pool_.commit(target, affected)) return ReadResult::unchanged;
-  target->setChanges(pool_.version(), std::move(affected));
-  frame = std::move(target);
-  return ReadResult::ok;
+  return reducer_.update(
+      std::move(changed),
+      [this, &error](const std::vector<PixelRect>& areas) { return readAreas(areas, error); },
+      frame);
 }
 
 // Bands of `areas` that each fit the read budget and hold the whole of the output rows they
@@ -60,7 +37,9 @@ std::vector<PixelRect> ReducingReader::pieces(const std::vector<PixelRect>& area
   std::vector<PixelRect> result;
   for (const auto& r : areas) {
     const std::size_t rowBytes = std::size_t(r.width) * Frame::bytesPerPixel;
-    for (const auto& band : reducer_.bands(r, int(readBudget / rowBytes))) result.push_back(band);
+    for (const auto& band : reducer_.reducer().bands(r, int(readBudget / rowBytes))) {
+      result.push_back(band);
+    }
   }
   return result;
 }
@@ -94,7 +73,7 @@ void ReducingReader::reduceDown(const PixelRect& piece, std::uint8_t* pixels) {
       narrowTenBitRow(row, row, piece.width);
     }
   }
-  reducer_.reduceDown(pixels, std::size_t(piece.width) * Frame::bytesPerPixel, piece, down_);
+  reducer_.reduceDown(pixels, std::size_t(piece.width) * Frame::bytesPerPixel, piece);
 }
 
 }  // namespace orlet::linux_capture

@@ -4,14 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "capture/FramePool.h"
-#include "capture/PictureReducer.h"
+#include "capture/BufferReducer.h"
 #include "linux/capture/SharedMemory.h"
 #include "linux/capture/Xcb.h"
 
 namespace orlet::linux_capture {
 
-enum class ReadResult { ok, unchanged, busy, failed };
+using ReadResult = BufferReducer::Result;
 
 // Reads an area of the root window and publishes it reduced to the size it is shown at. Only
 // the picture reduced down (see PictureReducer) is kept between frames, not the area's own
@@ -42,10 +41,7 @@ class ReducingReader {
   SharedMemory* scratch_;
   bool tenBitChannels_;
   PixelRect area_;
-  PictureReducer reducer_;
-  ReducedDown down_;
-  FramePool pool_;
-  bool primed_ = false;  // the picture reduced down holds the whole area
+  BufferReducer reducer_;
 };
 
 }  // namespace orlet::linux_capture

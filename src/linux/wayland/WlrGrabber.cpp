@@ -1,7 +1,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 
 #include "capture/BufferReducer.h"
@@ -18,12 +20,8 @@ using linux_capture::GrabberSettings;
 // Waits until `until` or the stop signal; true when stopped.
 bool stoppedBefore(int stopFd, Clock::time_point until) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - Clock::now());
-  if (left.count() <= 0) {
-    pollfd fd{stopFd, POLLIN, 0};
-    return poll(&fd, 1, 0) > 0;
-  }
   pollfd fd{stopFd, POLLIN, 0};
-  return poll(&fd, 1, int(left.count())) > 0;
+  return poll(&fd, 1, int(std::max<std::int64_t>(left.count(), 0))) > 0;
 }
 
 // A new picture size asked for since the last look: the reducer is made anew.
@@ -69,17 +67,11 @@ class Capture {
     }
     for (;;) {
       FrameRef frame;
-      switch (reducer_->read(copy.pixels, copy.stride, copy.changed, frame)) {
-        case BufferReducer::Result::ok:
-          events.frame(std::move(frame));
-          return false;
-        case BufferReducer::Result::unchanged:
-          return false;
-        case BufferReducer::Result::busy:  // every picture still shown: once one is let go
-          if (stoppedBefore(settings_.stopFd, Clock::now() + std::chrono::milliseconds(5))) {
-            return true;
-          }
-      }
+      const auto result = reducer_->read(copy.pixels, copy.stride, copy.changed, frame);
+      if (result == BufferReducer::Result::ok) events.frame(std::move(frame));
+      if (result != BufferReducer::Result::busy) return false;
+      // Every picture is still held: again once one is let go.
+      if (stoppedBefore(settings_.stopFd, Clock::now() + std::chrono::milliseconds(5))) return true;
     }
   }
 

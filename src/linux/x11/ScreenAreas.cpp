@@ -4,16 +4,19 @@
 
 #include <algorithm>
 
+#include "foundation/PixelRect.h"
 #include "linux/x11/XcbReply.h"
 
 namespace orlet::x11 {
 namespace {
 
-Rect intersection(const Rect& a, const Rect& b) {
-  const double x = std::max(a.minX(), b.minX()), y = std::max(a.minY(), b.minY());
-  const double right = std::min(a.maxX(), b.maxX()), bottom = std::min(a.maxY(), b.maxY());
-  if (right <= x || bottom <= y) return {};
-  return {x, y, right - x, bottom - y};
+// Both in whole pixels, as the server gives them.
+Rect overlap(const Rect& a, const Rect& b) {
+  const auto pixels = [](const Rect& r) {
+    return PixelRect{int(r.x), int(r.y), int(r.width), int(r.height)};
+  };
+  const PixelRect r = intersection(pixels(a), pixels(b));
+  return r.isEmpty() ? Rect{} : Rect{double(r.x), double(r.y), double(r.width), double(r.height)};
 }
 
 std::vector<ScreenArea> monitors(const XConnection& x) {
@@ -74,7 +77,7 @@ std::vector<ScreenArea> readScreenAreas(const XConnection& x) {
   putMainFirst(screens);
   if (const auto area = workArea(x)) {
     for (auto& s : screens) {
-      const auto free = intersection(s.frame, *area);
+      const auto free = overlap(s.frame, *area);
       if (!free.isEmpty()) s.visibleFrame = free;
     }
   }
